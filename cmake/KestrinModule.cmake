@@ -1,0 +1,63 @@
+# How every target of ours is compiled, and kestrin_module(), which makes one library per module folder.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+
+find_program(CCACHE ccache)
+if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    # Precompiled headers carry time stamps that ccache must overlook, or it would never hit; and a second clone of the
+    # repository is to hit what the first one compiled.
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+        CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+        CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE})
+endif()
+
+add_library(kestrin_options INTERFACE)
+target_compile_options(kestrin_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(kestrin_options INTERFACE -fpch-preprocess)
+    if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+        # Said of correct code once the optimiser has inlined it: that "literal" + std::string overlaps itself or
+        # copies too much (GCC bugs 105651, 105329), and that the move of a std::variant reads the alternatives that
+        # it doesn't hold (GCC bug 105593 and its kin).
+        target_compile_options(kestrin_options INTERFACE
+            -Wno-restrict -Wno-stringop-overflow -Wno-maybe-uninitialized)
+    endif()
+endif()
+if(KESTRIN_SANITIZE)
+    # -O1 keeps the instrumented suite quick; frame pointers keep its reports readable.
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+    add_link_options(-fsanitize=address,undefined)
+endif()
+if(KESTRIN_COVERAGE)
+    add_compile_options(--coverage)
+    add_link_options(--coverage)
+endif()
+if(KESTRIN_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
+# kestrin_module(<name> [PRIVATE_LIBRARIES …] [PUBLIC_LIBRARIES …] [EXCLUDE <file> …] [EXCLUDE_FOLDER <folder> …])
+# Every .cpp at any depth of the calling folder goes in, so that a new file needs no edit here.
+function(kestrin_module name)
+    cmake_parse_arguments(ARG "" "" "PUBLIC_LIBRARIES;PRIVATE_LIBRARIES;EXCLUDE;EXCLUDE_FOLDER" ${ARGN})
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+    foreach(excluded IN LISTS ARG_EXCLUDE)
+        list(REMOVE_ITEM sources ${CMAKE_CURRENT_SOURCE_DIR}/${excluded})
+    endforeach()
+    foreach(excluded IN LISTS ARG_EXCLUDE_FOLDER)
+        list(FILTER sources EXCLUDE REGEX "^${CMAKE_CURRENT_SOURCE_DIR}/${excluded}/")
+    endforeach()
+    add_library(${name} STATIC ${sources})
+    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+    target_link_libraries(${name} PUBLIC ${ARG_PUBLIC_LIBRARIES} PRIVATE kestrin_options ${ARG_PRIVATE_LIBRARIES})
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    target_precompile_headers(${name} PRIVATE
+        <algorithm> <cstdint> <functional> <map> <memory> <optional> <string> <string_view> <utility> <variant> <vector>)
+endfunction()

@@ -1,0 +1,14 @@
+# kestrin_test(<name> [LIBRARIES …]): one test executable from every .cpp of the calling folder, its cases
+# registered with CTest one by one, so that a failure names the rule that broke.
+find_package(GTest REQUIRED)
+find_package(rapidcheck REQUIRED)
+include(GoogleTest)
+
+function(kestrin_test name)
+    cmake_parse_arguments(ARG "" "" "LIBRARIES" ${ARGN})
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+    add_executable(${name} ${sources})
+    target_link_libraries(${name} PRIVATE kestrin_options TestSupport ${ARG_LIBRARIES} GTest::gmock_main)
+    target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <map> <optional> <string> <vector>)
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300)
+endfunction()
