@@ -1,0 +1,62 @@
+// Reading and replacing single files.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "KestrinCore/FileError.h"
+
+namespace kestrin::files {
+
+// An open file descriptor, closed when it goes.
+class Descriptor {
+ public:
+    Descriptor() = default;
+    explicit Descriptor(int number) : number_(number) {}
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept;
+    ~Descriptor();
+
+    int number() const { return number_; }
+    explicit operator bool() const { return number_ >= 0; }
+
+ private:
+    int number_ = -1;
+};
+
+// The whole content. FileTooLargeError above `limit` bytes; FileError for what can't be read, a folder or another
+// thing that isn't a regular file included.
+std::string readWhole(const std::filesystem::path& path, std::uintmax_t limit);
+
+// The same for an open file; `path` is for the error.
+std::string readWhole(const Descriptor& file, const std::filesystem::path& path, std::uintmax_t limit);
+
+// Writes all bytes or throws FileError naming `path`.
+void writeAll(const Descriptor& file, std::string_view bytes, const std::filesystem::path& path);
+
+// Whether a write returns only when the disk has it. A flush may take as long as everything else together, so it is
+// for what can't be had again; whoever writes a folder of files that can be written again leaves it out.
+enum class Flush { yes, no };
+
+// Puts `bytes` at `path` in one step: a temporary file in the same folder, flushed to the disk, renamed over the
+// target. Whoever reads the path, after a crash too, finds the old content or the new, whole (without a flush: not
+// after a crash of the system). The folder must exist. Throws FileError, and then nothing has changed; only a process
+// that was killed leaves its temporary file behind, ".kestrin-{UUID}", which nobody reads.
+//
+// A file that is replaced hands on its permissions. A link is replaced itself: it is never written through, so that
+// nothing outside of the folder changes, wherever it points. Anything else at `path` is an error.
+void writeAtomically(const std::filesystem::path& path, std::string_view bytes, Flush flush = Flush::yes);
+
+// Puts a copy of the file at `source` (links followed) at `target` in one step, as writeAtomically does, with the
+// permissions of the source. A file of any size takes the same small piece of memory. Throws FileError naming
+// the path that failed, also for a source that isn't a regular file, and then nothing has changed.
+void copyAtomically(const std::filesystem::path& source, const std::filesystem::path& target,
+                    Flush flush = Flush::yes);
+
+// Whether this user may open the file at `path` for reading (links followed).
+bool isReadable(const std::filesystem::path& path);
+
+}  // namespace kestrin::files

@@ -1,0 +1,67 @@
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <cmath>
+
+#include "KestrinCore/StableJSON.h"
+#include "Tests/Support/Generators.h"
+
+namespace kestrin {
+namespace {
+
+using StableJSON::decode;
+
+RC_GTEST_PROP(StableJSONRoundTrip, WrittenAndReadIsTheSameValue, ()) {
+    const auto value = *arbitrary::jsonValue();
+    RC_ASSERT(decode(StableJSON::encode(value)) == value);
+    RC_ASSERT(decode(StableJSON::encodeCompact(value)) == value);
+}
+
+RC_GTEST_PROP(StableJSONRoundTrip, ReadAndWrittenIsTheSameBytes, ()) {
+    const auto bytes = StableJSON::encode(*arbitrary::jsonValue());
+    RC_ASSERT(StableJSON::encode(decode(bytes)) == bytes);
+}
+
+RC_GTEST_PROP(StableJSONRoundTrip, AnyFiniteNumberKeepsItsValueAndItsBytes, (double number)) {
+    RC_PRE(std::isfinite(number));
+    const auto bytes = StableJSON::encode(JSONValue(number));
+    const auto value = decode(bytes);
+    const auto* integer = value.integerValue();
+    RC_ASSERT((integer ? static_cast<double>(*integer) : std::get<double>(value.storage())) == number);
+    RC_ASSERT(StableJSON::encode(value) == bytes);
+}
+
+RC_GTEST_PROP(StableJSONRoundTrip, AWholeNumberComesBackAsAnIntegerOfTheSameBytes, (std::int32_t integer)) {
+    const auto bytes = StableJSON::encode(JSONValue(static_cast<double>(integer)));
+    RC_ASSERT(bytes == StableJSON::encode(JSONValue(integer)));
+    RC_ASSERT(decode(bytes) == JSONValue(integer));
+}
+
+RC_GTEST_PROP(StableJSONRoundTrip, AnyBytesAreADocumentOrAnError, ()) {
+    const auto bytes = *arbitrary::bytes();
+    try {
+        const auto value = decode(bytes);
+        RC_ASSERT(decode(StableJSON::encode(value)) == value);
+    } catch (const DecodingError& error) {
+        RC_ASSERT(!error.errorDescription().empty());
+    }
+}
+
+RC_GTEST_PROP(StableJSONRoundTrip, ABrokenDocumentIsADocumentOrAnError, ()) {
+    auto bytes = StableJSON::encode(*arbitrary::jsonValue());
+    const auto place = *rc::gen::inRange<std::size_t>(0, bytes.size());
+    if (*rc::gen::arbitrary<bool>()) {
+        bytes.resize(place);
+    } else {
+        bytes[place] = *rc::gen::arbitrary<char>();
+    }
+    try {
+        const auto value = decode(bytes);
+        RC_ASSERT(decode(StableJSON::encode(value)) == value);
+    } catch (const DecodingError& error) {
+        RC_ASSERT(!error.errorDescription().empty());
+    }
+}
+
+}  // namespace
+}  // namespace kestrin

@@ -1,0 +1,55 @@
+// A client between a scripted server and a test's own clock.
+#pragma once
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "ASCKit/ASCClient.h"
+#include "Tests/Support/FakeTime.h"
+#include "Tests/Support/ScriptedTransport.h"
+#include "Tests/Support/TestCredential.h"
+
+namespace kestrin {
+
+// Everything a client needs, and what it left behind: `server->sent` and `time.slept`. Jitter is the identity.
+// Executables that use it link ASCApiRoot.
+struct ScriptedClient {
+    static constexpr const char* kRoot = "https://api.example.test";
+
+    std::shared_ptr<ScriptedTransport> server;
+    FakeTime time;
+    std::stop_source stopSource;
+    ASCClient client;
+
+    explicit ScriptedClient(std::vector<ScriptedTransport::Step> script = {})
+        : server(std::make_shared<ScriptedTransport>(std::move(script))),
+          client(TokenProvider(JWTSigner(testCredential()), time.clock()), server, options()) {}
+
+    // The `n`th request, counted from 0, without the root: "GET /v1/apps?limit=200".
+    std::string line(std::size_t n) const {
+        const auto& request = server->sent.at(n);
+        const auto& url = request.url.absoluteString();
+        return request.method + " " +
+               (url.starts_with(kRoot) ? url.substr(std::string_view(kRoot).size()) : url);
+    }
+
+    // Its body; "" when it has none.
+    std::string body(std::size_t n) const {
+        const auto& body = server->sent.at(n).body;
+        return body ? std::get<std::string>(*body) : "";
+    }
+
+ private:
+    ASCClient::Options options() {
+        ASCClient::Options options;
+        options.retryPolicy.jitter = [](Seconds delay) { return delay; };
+        options.root = URL::parse(kRoot);
+        options.now = time.clock();
+        options.sleep = time.sleep();
+        options.stop = stopSource.get_token();
+        return options;
+    }
+};
+
+}  // namespace kestrin
