@@ -1,0 +1,12 @@
+#include "KestrinModel/Experiment.h"
+
+#include <algorithm>
+
+namespace kestrin {
+
+Treatment Treatment::made(Treatment treatment) {
+    std::sort(treatment.locales.begin(), treatment.locales.end());
+    return treatment;
+}
+
+}  // namespace kestrin

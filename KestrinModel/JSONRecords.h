@@ -1,0 +1,4 @@
+// The helpers moved to the core.
+#pragma once
+
+#include "KestrinCore/JSONRecords.h"

@@ -1,0 +1,7 @@
+#include "KestrinModel/StoreLocale.h"
+
+namespace kestrin {
+
+const StoreLocale StoreLocale::englishUS{"en-US"};
+
+}  // namespace kestrin
