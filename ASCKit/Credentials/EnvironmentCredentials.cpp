@@ -1,0 +1,65 @@
+#include "ASCKit/Credentials/EnvironmentCredentials.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <optional>
+#include <string_view>
+
+#include "ASCKit/ASCError.h"
+#include "KestrinCore/Files.h"
+#include "KestrinCore/UnicodeText.h"
+
+namespace kestrin::EnvironmentCredentials {
+namespace {
+
+namespace fs = std::filesystem;
+using Environment = std::map<std::string, std::string>;
+
+constexpr std::uintmax_t kLargestKeyFile = 1 << 20;
+
+std::optional<std::string> variable(const Environment& environment, const char* name) {
+    const auto found = environment.find(name);
+    if (found == environment.end()) return std::nullopt;
+    return found->second;
+}
+
+std::string homeFolder(const Environment& environment) {
+    auto home = variable(environment, "HOME").value_or("");
+    if (!home.empty()) return home;
+    const auto* account = getpwuid(getuid());
+    return account && account->pw_dir ? account->pw_dir : "/";
+}
+
+fs::path locationOf(const std::string& path, const Environment& environment) {
+    const bool startsAtHome = path == "~" || path.starts_with("~/");
+    const fs::path expanded = startsAtHome ? homeFolder(environment) + path.substr(1) : path;
+    return expanded.is_absolute() ? expanded : (fs::current_path() / expanded).lexically_normal();
+}
+
+std::string contentOf(const fs::path& location) {
+    try {
+        return text::repaired(files::readWhole(location, kLargestKeyFile));
+    } catch (const Error&) {
+        throw ASCError(ASCError::UnreadablePrivateKey{text::repaired(location.native())});
+    }
+}
+
+}  // namespace
+
+APIKeyCredential load(const Environment& environment) {
+    APIKeyCredential credential;
+    credential.keyID = variable(environment, "ASC_KEY_ID").value_or("");
+    if (credential.keyID.empty()) throw ASCError(ASCError::MissingEnvironment{"ASC_KEY_ID"});
+
+    auto issuerID = variable(environment, "ASC_ISSUER_ID").value_or("");
+    if (!issuerID.empty()) credential.kind = APIKeyKind::team(std::move(issuerID));
+
+    const auto path = variable(environment, "ASC_PRIVATE_KEY")
+                          .value_or("~/.appstoreconnect/AuthKey_" + credential.keyID + ".p8");
+    credential.privateKeyPEM = contentOf(locationOf(path, environment));
+    return credential;
+}
+
+}  // namespace kestrin::EnvironmentCredentials

@@ -1,0 +1,102 @@
+// Who is spoken to: certificates, redirects, proxies, and other hosts.
+#include "Tests/ASCKit/CurlTransportFixture.h"
+
+namespace kestrin {
+namespace {
+
+using namespace std::chrono_literals;
+
+struct CurlTransportHostsTest : CurlTransportFixture {};
+
+TEST_F(CurlTransportHostsTest, NoRedirectIsFollowed) {
+    RequestLog elsewhere;
+    const RawServer other(answering(elsewhere, rawReply("secret")));
+    for (const char* status : {"301 Moved", "302 Found", "303 See Other", "307 Temporary", "308 Permanent"}) {
+        const RawServer server(answering(log, rawReply("b", "Location: " + other.root() + "/\r\n", status)));
+        auto sent = request(server);
+        sent.headers = {{"Authorization", "Bearer x.y.z"}};
+        EXPECT_EQ(outcome(sent), std::string("ok ") + std::string(status).substr(0, 3) + " b");
+    }
+    EXPECT_EQ(elsewhere.size(), 0u);
+    EXPECT_EQ(log.size(), 5u);
+}
+
+TEST_F(CurlTransportHostsTest, NobodyThereIsATransportError) {
+    int port = 0;
+    {
+        const RawServer server([](RawConnection&) {});
+        port = server.port();
+    }
+    const auto url = URL::parse("http://127.0.0.1:" + std::to_string(port) + "/").value();
+    EXPECT_EQ(outcome({"GET", url}), "transport error cannotConnectToHost");
+}
+
+TEST_F(CurlTransportHostsTest, OnlyHTTPIsSpoken) {
+    for (const char* address : {"file://localhost/etc/passwd", "ftp://127.0.0.1/", "/v1/apps", "//127.0.0.1/",
+                                "https://user@127.0.0.1/", "mailto:a@example.test", "gopher://127.0.0.1/"}) {
+        SCOPED_TRACE(address);
+        EXPECT_EQ(outcome({"GET", URL::parse(address).value()}), "transport error unsupportedURL");
+    }
+}
+
+TEST_F(CurlTransportHostsTest, ACertificateThatNobodyVouchesForIsRefused) {
+    const RawServer server(answering(log, rawReply("b")), {.withTLS = true});
+    auto sent = request(server);
+    sent.headers = {{"Authorization", "Bearer x.y.z"}};
+    EXPECT_EQ(outcome(sent), "transport error secureConnectionFailed");
+    EXPECT_EQ(log.size(), 0u);
+    EXPECT_EQ(server.connections(), 1u);
+}
+
+TEST_F(CurlTransportHostsTest, PlainHTTPBehindAnHTTPSAddressIsRefused) {
+    const RawServer plain(
+        [](RawConnection& connection) { connection.read(1), connection.send("HTTP/1.1 400 No\r\n\r\n"); });
+    auto sent = request(plain);
+    sent.url = URL::parse("https://127.0.0.1:" + std::to_string(plain.port()) + "/").value();
+    EXPECT_EQ(outcome(sent), "transport error secureConnectionFailed");
+}
+
+// Proxies
+
+TEST_F(CurlTransportHostsTest, AProxyOfTheEnvironmentIsUsed) {
+    const RawServer proxy(answering(log, rawReply("from the proxy")));
+    environment.set("http_proxy", proxy.root());
+    EXPECT_EQ(outcome({"GET", URL::parse("http://api.example.test/v1/apps").value()}),
+              "ok 200 from the proxy");
+    EXPECT_EQ(log.at(0).line(), "GET http://api.example.test/v1/apps HTTP/1.1");
+    EXPECT_EQ(log.at(0).header("User-Agent"), "");
+}
+
+TEST_F(CurlTransportHostsTest, HostsThatNeedNoProxyGetNone) {
+    const RawServer proxy(answering(log, rawReply("from the proxy")));
+    RequestLog direct;
+    const RawServer server(answering(direct, rawReply("direct")));
+    environment.set("http_proxy", proxy.root());
+    environment.set("no_proxy", "127.0.0.1");
+    EXPECT_EQ(outcome(request(server)), "ok 200 direct");
+    EXPECT_EQ(log.size(), 0u);
+}
+
+TEST_F(CurlTransportHostsTest, AProxySeesNoTokenOfAnHTTPSRequest) {
+    const RawServer proxy(answering(log, "HTTP/1.1 200 Connection established\r\n\r\n"));
+    environment.set("https_proxy", proxy.root());
+    HTTPRequest sent{
+        "GET", URL::parse("https://api.example.test/v1/apps").value(), {{"Authorization", "Bearer x"}}};
+    sent.idleLimit = 300ms;
+
+    EXPECT_THAT(outcome(sent), testing::StartsWith("transport error "));
+
+    ASSERT_GE(log.size(), 1u);
+    EXPECT_EQ(log.at(0).line(), "CONNECT api.example.test:443 HTTP/1.1");
+    for (const auto& each : log.all()) EXPECT_EQ(each.head.find("Bearer"), each.head.npos);
+}
+
+TEST_F(CurlTransportHostsTest, AProxyThatRefusesIsATransportErrorAndNotTheReply) {
+    const RawServer proxy(answering(log, rawReply("denied", "", "403 Forbidden")));
+    environment.set("https_proxy", proxy.root());
+    EXPECT_THAT(outcome({"GET", URL::parse("https://api.example.test/v1/apps").value()}),
+                testing::StartsWith("transport error "));
+}
+
+}  // namespace
+}  // namespace kestrin

@@ -1,0 +1,88 @@
+#include "ASCKit/Resources/Uploads.h"
+
+#include <gtest/gtest.h>
+
+#include "KestrinCore/StableJSON.h"
+#include "Tests/Support/ScriptedClient.h"
+
+namespace kestrin {
+namespace {
+
+std::vector<UploadOperation> operations(std::string_view json) {
+    return UploadOperation::operations({{"uploadOperations", StableJSON::decode(json)}});
+}
+
+std::string sent(const HTTPBody& body) {
+    return std::get<std::string>(body);
+}
+
+TEST(Uploads, AnOperationPutsByDefaultAndMayHaveNoHeaders) {
+    const auto found = operations(R"([{"url":"https://up/1","offset":0,"length":5}])");
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0], (UploadOperation{"PUT", *URL::parse("https://up/1"), 0, 5, {}}));
+}
+
+TEST(Uploads, MalformedOperationsAreLeftOutAndTheRestStand) {
+    const auto found = operations(R"([
+        {"url":"https://up/1","offset":"0","length":5}, {"url":"https://up/2","offset":0}, {"offset":0,"length":5},
+        {"url":"not an address","offset":0,"length":5}, 7,
+        {"url":"https://up/3","offset":5,"length":5,"method":"POST"}, {"url":"https://up/4","offset":1,"length":1,"method":7}])");
+    ASSERT_EQ(found.size(), 2u);
+    EXPECT_EQ(found[0].method, "POST");
+    EXPECT_EQ(found[1].method, "PUT");
+}
+
+TEST(Uploads, WhatIsNoListHasNoOperations) {
+    EXPECT_TRUE(operations(R"({"url":"https://up/1"})").empty());
+    EXPECT_TRUE(UploadOperation::operations({}).empty());
+}
+
+TEST(Uploads, OfTwoHeadersWithOneNameTheLaterCounts) {
+    const auto found = operations(R"([{"url":"https://up/1","offset":0,"length":5,"requestHeaders":[
+        {"name":"A","value":"1"},{"name":"A","value":"2"},{"name":"B"},{"value":"3"},{"name":"C","value":4},5]}])");
+    EXPECT_EQ(found[0].headers, (std::map<std::string, std::string>{{"A", "2"}}));
+}
+
+TEST(Uploads, PartsGoOutInTheOrderGivenWithTheirHeadersAndWithoutAToken) {
+    ScriptedClient world({reply(200), reply(200)});
+    const UploadOperation second{"PUT", *URL::parse("https://up/2"), 3, 3, {{"X-Part", "2"}}};
+    const UploadOperation first{"POST", *URL::parse("https://up/1"), 0, 3, {}};
+
+    ASC::upload(world.client, {second, first}, UploadSource::data("abcdef"));
+
+    const auto& requests = world.server->sent;
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(world.line(0), "PUT https://up/2");
+    EXPECT_EQ(sent(*requests[0].body), "def");
+    EXPECT_EQ(requests[0].headers, (HTTPHeaders{{"X-Part", "2"}}));
+    EXPECT_EQ(requests[0].idleLimit, std::chrono::seconds(60));
+    EXPECT_EQ(world.line(1), "POST https://up/1");
+    EXPECT_TRUE(requests[1].headers.empty());
+}
+
+TEST(Uploads, TheFirstPartThatFailsEndsTheUpload) {
+    ScriptedClient world({reply(200), reply(403)});
+    const UploadOperation part{"PUT", *URL::parse("https://up/1"), 0, 1, {}};
+    EXPECT_THROW(ASC::upload(world.client, {part, part, part}, UploadSource::data("a")), ASCError);
+    EXPECT_EQ(world.server->sent.size(), 2u);
+}
+
+TEST(Uploads, NoOperationsSendNothing) {
+    ScriptedClient world;
+    ASC::upload(world.client, {}, UploadSource::file("nowhere"));
+    EXPECT_TRUE(world.server->sent.empty());
+}
+
+TEST(Uploads, ASlicePastTheEndIsWhatIsThere) {
+    const auto source = UploadSource::data("abcdef");
+    EXPECT_EQ(sent(source.slice(4, 10)), "ef");
+    EXPECT_EQ(sent(source.slice(6, 1)), "");
+    EXPECT_EQ(sent(source.slice(99, 1)), "");
+}
+
+TEST(Uploads, ASliceOfAFileIsReadOnlyWhenItIsSent) {
+    EXPECT_EQ(std::get<FileRange>(UploadSource::file("a.ipa").slice(4, 10)), (FileRange{"a.ipa", 4, 10}));
+}
+
+}  // namespace
+}  // namespace kestrin
