@@ -1,0 +1,127 @@
+#include "AssetPipeline/MediaModule/ImageBackend.h"
+
+#include <vips/vips.h>
+
+#include <memory>
+
+namespace kestrin::ImageBackend {
+namespace {
+
+constexpr std::int64_t kMaximumPixels = 100'000'000;
+
+struct Unreference {
+    void operator()(void* object) const { g_object_unref(object); }
+};
+using Image = std::unique_ptr<VipsImage, Unreference>;
+
+// The result of one operation of libvips, or nothing; the last error text isn't needed and is dropped.
+Image result(int status, VipsImage* image) {
+    if (status == 0) return Image(image);
+    vips_error_clear();
+    return nullptr;
+}
+
+// By a source and not by name, since libvips reads options out of a name that ends in "[…]".
+Image open(const char* path, VipsAccess access) {
+    const std::unique_ptr<VipsSource, Unreference> source(vips_source_new_from_file(path));
+    if (!source) {
+        vips_error_clear();
+        return nullptr;
+    }
+    auto* image = vips_image_new_from_source(source.get(), "", "access", access, nullptr);
+    return result(image ? 0 : -1, image);
+}
+
+Image bands(const Image& in, int first, int count) {
+    VipsImage* out = nullptr;
+    const int status = vips_extract_band(in.get(), &out, first, "n", count, nullptr);
+    return result(status, out);
+}
+
+// Colours as their profile means them; without a profile that fits, as the usual one of their colour model.
+Image inSRGB(const Image& in) {
+    VipsImage* out = nullptr;
+    const bool hasProfile = vips_image_get_typeof(in.get(), VIPS_META_ICC_NAME) != 0;
+    const bool isCMYK = vips_image_get_interpretation(in.get()) == VIPS_INTERPRETATION_CMYK;
+    if (hasProfile || isCMYK) {
+        const int status = vips_icc_transform(in.get(), &out, "srgb", "embedded", TRUE, "input_profile",
+                                              isCMYK ? "cmyk" : "srgb", "depth", 8, nullptr);
+        if (auto converted = result(status, out)) return converted;
+    }
+    const int status = vips_colourspace(in.get(), &out, VIPS_INTERPRETATION_sRGB, nullptr);
+    return result(status, out);
+}
+
+Image in8Bit(const Image& alpha) {
+    VipsImage* out = nullptr;
+    const bool is16Bit = vips_image_get_format(alpha.get()) == VIPS_FORMAT_USHORT;
+    const int status =
+        vips_linear1(alpha.get(), &out, is16Bit ? 1.0 / 257 : 1.0, 0.0, "uchar", TRUE, nullptr);
+    return result(status, out);
+}
+
+Image overBlack(const Image& colour, const Image& alpha) {
+    VipsImage* joined = nullptr;
+    const auto whole = result(vips_bandjoin2(colour.get(), alpha.get(), &joined, nullptr), joined);
+    if (!whole) return nullptr;
+    VipsImage* out = nullptr;  // libvips's own background is black
+    const int status = vips_flatten(whole.get(), &out, nullptr);
+    return result(status, out);
+}
+
+// Three bands of 8 bits without alpha, or nothing.
+Image flattened(const Image& in) {
+    if (!vips_image_hasalpha(in.get())) return inSRGB(in);
+    const int colourBands = vips_image_get_bands(in.get()) - 1;
+    const auto colour = bands(in, 0, colourBands);
+    const auto alpha = bands(in, colourBands, 1);
+    if (!colour || !alpha) return nullptr;
+    const auto converted = inSRGB(colour);
+    const auto opacity = in8Bit(alpha);
+    if (!converted || !opacity) return nullptr;
+    return overBlack(converted, opacity);
+}
+
+std::int64_t pixels(const Image& image) {
+    return std::int64_t{vips_image_get_width(image.get())} * vips_image_get_height(image.get());
+}
+
+}  // namespace
+
+bool initialise() {
+    if (VIPS_INIT("kestrin") != 0) return false;
+    vips_operation_block_set("VipsForeignLoad", TRUE);
+    for (const auto* loader : {"VipsForeignLoadPng", "VipsForeignLoadJpeg", "VipsForeignLoadHeif",
+                               "VipsForeignLoadWebp", "VipsForeignLoadNsgif", "VipsForeignLoadTiff"}) {
+        vips_operation_block_set(loader, FALSE);
+    }
+    return true;
+}
+
+bool read(const char* path, KestrinImageProperties* properties) {
+    const auto image = open(path, VIPS_ACCESS_SEQUENTIAL);
+    if (!image) return false;
+    properties->width = vips_image_get_width(image.get());
+    properties->height = vips_image_get_height(image.get());
+    properties->hasAlpha = vips_image_hasalpha(image.get()) != 0;
+    return true;
+}
+
+KestrinFlattenOutcome flatten(const char* path, void** bytes, std::size_t* size) {
+    const auto image = open(path, VIPS_ACCESS_SEQUENTIAL);
+    if (!image) return kestrinUnreadable;
+    if (pixels(image) > kMaximumPixels) return kestrinUnencodable;
+    const auto opaque = flattened(image);
+    if (!opaque) return kestrinUnencodable;
+    if (vips_pngsave_buffer(opaque.get(), bytes, size, "strip", TRUE, "profile", "srgb", nullptr) != 0) {
+        vips_error_clear();
+        return kestrinUnencodable;
+    }
+    return kestrinFlattened;
+}
+
+void release(void* bytes) {
+    g_free(bytes);
+}
+
+}  // namespace kestrin::ImageBackend
