@@ -1,0 +1,16 @@
+#include "SyncEngine/Media/AssetProcessing.h"
+
+namespace kestrin::AssetProcessing {
+
+const std::set<std::string> processing = {"AWAITING_UPLOAD", "UPLOAD_COMPLETE"};
+const std::set<std::string> dead = {"FAILED", "REJECTED", "ARCHIVED"};
+
+bool isProcessing(const std::optional<std::string>& state) {
+    return state && processing.contains(*state);
+}
+
+bool isDead(const std::optional<std::string>& state) {
+    return state && dead.contains(*state);
+}
+
+}  // namespace kestrin::AssetProcessing

@@ -1,0 +1,144 @@
+#include "SyncEngine/State/ProjectStateStore.h"
+
+#include <cstdlib>
+
+#include "KestrinCore/Files.h"
+#include "KestrinCore/HomeFolder.h"
+#include "KestrinCore/Message.h"
+#include "KestrinCore/StableJSON.h"
+#include "KestrinCore/UnicodeText.h"
+
+namespace kestrin {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kBase = "base.json";
+constexpr const char* kRemoteIDs = "remote-ids.json";
+constexpr const char* kRemoteAssets = "remote-assets.json";
+constexpr const char* kRefData = "refdata.json";
+
+// Far above what a listing can come to, so that a file from elsewhere can't exhaust the memory.
+constexpr std::uintmax_t kMaximumFileSize = 256u << 20;
+
+std::optional<JSONValue> read(const fs::path& file) {
+    std::string bytes;
+    try {
+        bytes = files::readWhole(file, kMaximumFileSize);
+    } catch (const FileError& error) {
+        if (error.reason == std::errc::no_such_file_or_directory) return std::nullopt;
+        throw;
+    }
+    try {
+        return StableJSON::decode(bytes);
+    } catch (const DecodingError& error) {
+        throw StateFileError(file, error.errorDescription());
+    }
+}
+
+// The record in a file; a document of another shape is the file's fault too.
+template <class Decode>
+auto decoded(const fs::path& file, Decode&& decode) -> std::optional<decltype(decode(JSONValue()))> {
+    const auto value = read(file);
+    if (!value) return std::nullopt;
+    try {
+        return decode(*value);
+    } catch (const DecodingError& error) {
+        throw StateFileError(file, error.errorDescription());
+    }
+}
+
+void write(const fs::path& file, const JSONValue& value) {
+    std::error_code error;
+    fs::create_directories(file.parent_path(), error);
+    if (error) throw FileError(FileError::Operation::create, file.parent_path(), error);
+    files::writeAtomically(file, StableJSON::encode(value));
+}
+
+FlatValues decodeBase(const JSONValue& value) {
+    const ObjectDecoder members(value);
+    FlatValues values;
+    for (const auto& [id, ignored] : *value.objectValue()) {
+        auto text = members.string(id);
+        if (const auto key = ContentKey::fromID(id)) values.insert_or_assign(*key, std::move(text));
+    }
+    return values;
+}
+
+KnownAssets decodeAssets(const JSONValue& value) {
+    const ObjectDecoder members(value);
+    KnownAssets assets;
+    for (const auto& [id, ignored] : *value.objectValue()) {
+        auto asset = members.optionalRecord<ASCLibraryAsset>(id);
+        if (!asset) ObjectDecoder::fail(id, "expected an object");
+        assets.emplace(id, *std::move(asset));
+    }
+    return assets;
+}
+
+fs::path home() {
+    if (auto folder = homeFolder()) return *std::move(folder);
+    throw FileError(FileError::Operation::read, "~",
+                    std::make_error_code(std::errc::no_such_file_or_directory));
+}
+
+fs::path fileOf(const fs::path& root, const UUID& id, const char* name) {
+    return root / id.text() / name;
+}
+
+}  // namespace
+
+std::string StateFileError::errorDescription() const {
+    return message::localized(
+        "stateFileErrorDamaged",
+        "The state file “{path}” is damaged. Remove it and pull again to make a new one.",
+        {{"path", text::repaired(path.native())}});
+}
+
+ProjectStateStore ProjectStateStore::commandLine() {
+    return ProjectStateStore(home() / ".kestrin" / "state");
+}
+
+ProjectStateStore ProjectStateStore::application() {
+    const char* data = std::getenv("XDG_DATA_HOME");
+    const bool isSet = data && fs::path(data).is_absolute();
+    return ProjectStateStore((isSet ? fs::path(data) : home() / ".local" / "share") / "Kestrin" / "Projects");
+}
+
+std::optional<FlatValues> ProjectStateStore::base(const UUID& id) const {
+    return decoded(fileOf(root, id, kBase), decodeBase);
+}
+
+void ProjectStateStore::saveBase(const FlatValues& values, const UUID& id) const {
+    JSONObject members;
+    for (const auto& [key, value] : values) members.insert_or_assign(key.id(), value);
+    write(fileOf(root, id, kBase), members);
+}
+
+std::optional<RemoteIDs> ProjectStateStore::remoteIDs(const UUID& id) const {
+    return decoded(fileOf(root, id, kRemoteIDs), RemoteIDs::fromJSON);
+}
+
+void ProjectStateStore::saveRemoteIDs(const RemoteIDs& ids, const UUID& id) const {
+    write(fileOf(root, id, kRemoteIDs), ids.toJSON());
+}
+
+KnownAssets ProjectStateStore::remoteAssets(const UUID& id) const {
+    return decoded(fileOf(root, id, kRemoteAssets), decodeAssets).value_or(KnownAssets{});
+}
+
+void ProjectStateStore::saveRemoteAssets(const KnownAssets& assets, const UUID& id) const {
+    JSONObject members;
+    for (const auto& [assetID, asset] : assets) members.emplace(assetID, asset.toJSON());
+    write(fileOf(root, id, kRemoteAssets), members);
+}
+
+std::optional<AssetLibraryRefData> ProjectStateStore::refData() const {
+    return decoded(root / kRefData, AssetLibraryRefData::fromJSON);
+}
+
+void ProjectStateStore::saveRefData(const AssetLibraryRefData& data) const {
+    write(root / kRefData, data.toJSON());
+}
+
+}  // namespace kestrin
