@@ -1,0 +1,38 @@
+#include "KestrinCLI/ClientAccess.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "ASCKit/Credentials/EnvironmentCredentials.h"
+
+namespace kestrin {
+namespace {
+
+std::map<std::string, std::string> processEnvironment() {
+    std::map<std::string, std::string> environment;
+    for (char** entry = environ; entry && *entry; ++entry) {
+        const std::string_view variable(*entry);
+        const auto equals = variable.find('=');
+        if (equals == std::string_view::npos) continue;
+        environment.emplace(variable.substr(0, equals), variable.substr(equals + 1));
+    }
+    return environment;
+}
+
+}  // namespace
+
+ASCClient makeClient() {
+    return ASCClient(EnvironmentCredentials::load(processEnvironment()));
+}
+
+void noteRateLimit(const ASCClient& client, Console& console) {
+    const auto& status = client.rateLimit();
+    if (status)
+        console.note(fmt::format("({} of {} requests left this hour)", status->remaining, status->limit));
+}
+
+}  // namespace kestrin

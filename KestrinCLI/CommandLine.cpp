@@ -1,0 +1,85 @@
+#include "KestrinCLI/CommandLine.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "KestrinCLI/Failure.h"
+#include "KestrinCore/UnicodeText.h"
+
+namespace kestrin {
+namespace {
+
+std::optional<std::string> folderOf(const passwd* user) {
+    if (user == nullptr || user->pw_dir == nullptr) return std::nullopt;
+    return user->pw_dir;
+}
+
+// An empty `user` is the one who runs the program.
+std::optional<std::string> homeFolder(const std::string& user) {
+    if (!user.empty()) return folderOf(getpwnam(user.c_str()));
+    if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') return home;
+    return folderOf(getpwuid(getuid()));
+}
+
+}  // namespace
+
+Arguments argumentsOfProcess(std::span<const char* const> words) {
+    Arguments args;
+    for (const char* word : words.subspan(std::min<std::size_t>(1, words.size()))) {
+        if (!text::isValidUTF8(word)) fail("the argument “" + text::repaired(word) + "” isn't UTF-8 text");
+        args.emplace_back(word);
+    }
+    return args;
+}
+
+std::optional<std::string> option(std::string_view name, const Arguments& args) {
+    const auto found = std::find(args.begin(), args.end(), name);
+    if (found == args.end() || found + 1 == args.end()) return std::nullopt;
+    return *(found + 1);
+}
+
+bool hasFlag(std::string_view flag, const Arguments& args) {
+    return std::find(args.begin(), args.end(), flag) != args.end();
+}
+
+StorePlatform platformOption(const Arguments& args) {
+    auto value = option("--platform", args);
+    return value ? StorePlatform{std::move(*value)} : StorePlatform::iOS;
+}
+
+std::optional<std::set<StoreLocale>> localesOption(const Arguments& args) {
+    const auto value = option("--locales", args);
+    if (!value) return std::nullopt;
+    std::set<StoreLocale> locales;
+    for (std::size_t start = 0; start <= value->size();) {
+        const auto end = std::min(value->find(',', start), value->size());
+        if (end > start) locales.insert({value->substr(start, end - start)});
+        start = end + 1;
+    }
+    return locales;
+}
+
+std::filesystem::path fileURL(std::string_view word) {
+    if (word.empty()) fail("a path can't be empty");
+    if (word.front() != '~') return word;
+    const auto nameEnd = std::min(word.find('/'), word.size());
+    const auto home = homeFolder(std::string(word.substr(1, nameEnd - 1)));
+    if (!home) return word;
+    return *home + std::string(word.substr(nameEnd));
+}
+
+std::string lastPathComponent(const std::filesystem::path& path) {
+    auto name = path.has_filename() ? path.filename() : path.parent_path().filename();
+    if (name.empty() || name == "." || name == "..") {
+        std::error_code unreachable;
+        const auto folder = std::filesystem::weakly_canonical(path, unreachable);
+        const auto& resolved = unreachable ? path : folder;
+        name = resolved.has_filename() ? resolved.filename() : resolved.root_path();
+    }
+    return text::repaired(name.native());
+}
+
+}  // namespace kestrin

@@ -1,0 +1,16 @@
+// The commands that convert between a project package and a fastlane deliver folder; no credentials, no network.
+#pragma once
+
+#include "KestrinCLI/CommandLine.h"
+#include "KestrinCLI/Console.h"
+
+namespace kestrin::FastlaneCommands {
+
+// Brings the texts of a deliver folder into a project, which `--bundle-id` lets come into being. They are always
+// those of iOS. The package is written only when everything was read.
+int importFastlane(const Arguments& args, Console& console);
+
+// Writes the listing of a platform out as a deliver folder, and tells what had to stay behind.
+int exportFastlane(const Arguments& args, Console& console);
+
+}  // namespace kestrin::FastlaneCommands

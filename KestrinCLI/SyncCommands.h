@@ -1,0 +1,19 @@
+// The commands that compare a project with App Store Connect.
+#pragma once
+
+#include "KestrinCLI/CommandLine.h"
+#include "KestrinCLI/Console.h"
+
+namespace kestrin::SyncCommands {
+
+// Brings the live listing into the project at the path, which is made at the very end if it isn't there. A pull that
+// fails leaves the package as it was. Conflicts aren't a failure.
+int pull(const Arguments& args, Console& console);
+
+// What differs. Status 1 if anything does.
+int diff(const Arguments& args, Console& console);
+
+// Whether anything differs, and what. Status 1 if anything does.
+int verify(const Arguments& args, Console& console);
+
+}  // namespace kestrin::SyncCommands

@@ -1,0 +1,167 @@
+#include "KestrinCLI/FastlaneCommands.h"
+
+#include <gtest/gtest.h>
+
+#include "KestrinCLI/Failure.h"
+#include "KestrinCore/FileError.h"
+#include "KestrinModel/ProjectPackageFile.h"
+#include "Tests/Support/FakeConsole.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+namespace kestrin {
+namespace {
+
+namespace fs = std::filesystem;
+
+const StoreLocale german{"de-DE"};
+
+class FastlaneCommandsTest : public testing::Test {
+ protected:
+    int import(const Arguments& more = {}) {
+        Arguments args{"import", "fastlane", (folder / "deliver").native(), "--into", package};
+        args.insert(args.end(), more.begin(), more.end());
+        return FastlaneCommands::importFastlane(args, console);
+    }
+
+    int exportTo(const std::string& target, const Arguments& more = {}) {
+        Arguments args{"export", "fastlane", package, "--to", (folder / target).native()};
+        args.insert(args.end(), more.begin(), more.end());
+        return FastlaneCommands::exportFastlane(args, console);
+    }
+
+    Project saved() const { return ProjectPackageFile::load(package); }
+
+    TemporaryFolder folder;
+    std::string package = (folder / "App.kestrin").native();
+    FakeConsole console;
+};
+
+TEST_F(FastlaneCommandsTest, ImportMakesAPackageForABundleID) {
+    folder.write("deliver/metadata/de-DE/name.txt", "Notizen\n");
+    folder.write("deliver/metadata/fr-FR/name.txt", "Notes\n");
+
+    EXPECT_EQ(import({"--bundle-id", "com.example.notes"}), 0);
+
+    EXPECT_EQ(console.terminal, "Imported 2 locales into App.kestrin.\n");
+    const auto project = saved();
+    EXPECT_EQ(project.manifest.app.bundleID, "com.example.notes");
+    EXPECT_EQ(project.value(ListingField::name, german, StorePlatform::iOS), "Notizen");
+}
+
+TEST_F(FastlaneCommandsTest, ImportIntoNothingNeedsABundleID) {
+    folder.write("deliver/metadata/de-DE/name.txt", "Notizen\n");
+    try {
+        import();
+        FAIL() << "made a package of an app that nobody named";
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.errorDescription(), "App.kestrin doesn't exist yet; pass --bundle-id to create it");
+    }
+    EXPECT_FALSE(folder.has("App.kestrin"));
+}
+
+TEST_F(FastlaneCommandsTest, ImportGoesOverWhatThePackageHolds) {
+    Project project;
+    project.manifest.projectID = UUID::random();
+    project.manifest.app.bundleID = "com.example.first";
+    project.manifest.locales = {german};
+    project.setValue("Alt", ListingField::name, german, StorePlatform::iOS);
+    project.setValue("Bleibt", ListingField::subtitle, german, StorePlatform::iOS);
+    ProjectPackageFile::save(project, package);
+    folder.write("deliver/de-DE/name.txt", "Neu");
+    folder.write("deliver/ja/name.txt", "メモ");
+
+    EXPECT_EQ(import({"--bundle-id", "com.example.other"}), 0);
+
+    EXPECT_EQ(console.terminal, "Imported 2 locales into App.kestrin.\n");
+    const auto result = saved();
+    EXPECT_EQ(result.manifest.app.bundleID, "com.example.first");
+    EXPECT_EQ(result.manifest.projectID, project.manifest.projectID);
+    EXPECT_EQ(result.value(ListingField::name, german, StorePlatform::iOS), "Neu");
+    EXPECT_EQ(result.value(ListingField::subtitle, german, StorePlatform::iOS), "Bleibt");
+}
+
+TEST_F(FastlaneCommandsTest, ImportIsAlwaysOfIOS) {
+    folder.write("deliver/de-DE/description.txt", "Text");
+    EXPECT_EQ(import({"--bundle-id", "com.example.notes", "--platform", "MAC_OS"}), 0);
+    EXPECT_EQ(saved().manifest.platforms, std::vector{StorePlatform::iOS});
+    EXPECT_EQ(saved().value(ListingField::description, german, StorePlatform::iOS), "Text");
+}
+
+TEST_F(FastlaneCommandsTest, ImportOfAFolderThatIsNotThereMakesNoPackage) {
+    EXPECT_THROW(import({"--bundle-id", "com.example.notes"}), FileError);
+    EXPECT_FALSE(folder.has("App.kestrin"));
+    EXPECT_EQ(console.terminal, "");
+}
+
+TEST_F(FastlaneCommandsTest, ExportWritesADeliverFolder) {
+    Project project;
+    project.manifest.locales = {german, {"fr-FR"}};
+    project.setValue("Notizen", ListingField::name, german, StorePlatform::iOS);
+    project.setValue("Text", ListingField::description, german, StorePlatform::iOS);
+    ProjectPackageFile::save(project, package);
+
+    EXPECT_EQ(exportTo("out"), 0);
+
+    EXPECT_EQ(console.terminal, "Exported 2 locales, 2 text files and 0 screenshots.\n");
+    EXPECT_EQ(folder.read("out/metadata/de-DE/name.txt"), "Notizen\n");
+    EXPECT_EQ(folder.read("out/metadata/de-DE/description.txt"), "Text\n");
+}
+
+TEST_F(FastlaneCommandsTest, ExportIsOfThePlatformThatIsAskedFor) {
+    Project project;
+    project.manifest.locales = {german};
+    project.setValue("Mac", ListingField::description, german, StorePlatform::macOS);
+    ProjectPackageFile::save(project, package);
+
+    EXPECT_EQ(exportTo("mac", {"--platform", "MAC_OS"}), 0);
+    EXPECT_EQ(exportTo("ios", {"--platform", "mac_os"}), 0);
+
+    EXPECT_EQ(folder.read("mac/metadata/de-DE/description.txt"), "Mac\n");
+    EXPECT_FALSE(folder.has("ios/metadata/de-DE"));
+}
+
+TEST_F(FastlaneCommandsTest, ExportTellsWhatStaysBehind) {
+    const PlacementSlot screenshots{"IPHONE_67", "APP_SCREENSHOT"}, previews{"IPHONE_67", "APP_PREVIEW"};
+    Project project;
+    auto& media = project.platforms[StorePlatform::iOS].media[german];
+    media[screenshots] = {MediaItem::file("Media/hero.png"), MediaItem::file("Media/gone.png"),
+                          MediaItem::file("../secret.png"), MediaItem::remote("asset-1"),
+                          MediaItem::remote("asset-2")};
+    media[previews] = {MediaItem::file("Media/film.mov"), MediaItem::remote("asset-3"),
+                       MediaItem::remote("asset-4")};
+    ProjectPackageFile::save(project, package);
+    folder.write("App.kestrin/Media/hero.png", "hero");
+    folder.write("secret.png", "secret");
+
+    EXPECT_EQ(exportTo("out"), 0);
+
+    EXPECT_EQ(
+        console.output,
+        "Exported 0 locales, 0 text files and 1 screenshots.\n"
+        "  2 screenshots are only on App Store Connect, so weren't copied (try --download-screenshots).\n"
+        "  3 previews and other media were left out: deliver only uploads screenshots.\n"
+        "  Missing: Media/gone.png\n"
+        "  Missing: ../secret.png\n");
+    EXPECT_EQ(console.errors, "");
+    EXPECT_EQ(folder.read("out/screenshots/de-DE/01_iphone_67_hero.png"), "hero");
+}
+
+TEST_F(FastlaneCommandsTest, ExportOfNoProjectWritesNothing) {
+    fs::create_directory(package);
+    EXPECT_THROW(exportTo("out"), Error);
+    EXPECT_FALSE(folder.has("out"));
+}
+
+TEST_F(FastlaneCommandsTest, ExportSaysThatItCannotDownloadYet) {
+    ProjectPackageFile::save(Project(), package);
+    try {
+        exportTo("out", {"--download-screenshots"});
+        FAIL() << "promised a download";
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.errorDescription(), "--download-screenshots isn't available in this version yet");
+    }
+    EXPECT_FALSE(folder.has("out"));
+}
+
+}  // namespace
+}  // namespace kestrin
