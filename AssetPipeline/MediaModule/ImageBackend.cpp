@@ -62,7 +62,8 @@ Image in8Bit(const Image& alpha) {
 
 Image overBlack(const Image& colour, const Image& alpha) {
     VipsImage* joined = nullptr;
-    const auto whole = result(vips_bandjoin2(colour.get(), alpha.get(), &joined, nullptr), joined);
+    const int joining = vips_bandjoin2(colour.get(), alpha.get(), &joined, nullptr);
+    const auto whole = result(joining, joined);
     if (!whole) return nullptr;
     VipsImage* out = nullptr;  // libvips's own background is black
     const int status = vips_flatten(whole.get(), &out, nullptr);
