@@ -1,31 +1,12 @@
 #include "KestrinCLI/CommandLine.h"
 
-#include <pwd.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdlib>
 
 #include "KestrinCLI/Failure.h"
+#include "KestrinCore/HomeFolder.h"
 #include "KestrinCore/UnicodeText.h"
 
 namespace kestrin {
-namespace {
-
-std::optional<std::string> folderOf(const passwd* user) {
-    if (user == nullptr || user->pw_dir == nullptr) return std::nullopt;
-    return user->pw_dir;
-}
-
-// An empty `user` is the one who runs the program.
-std::optional<std::string> homeFolder(const std::string& user) {
-    if (!user.empty()) return folderOf(getpwnam(user.c_str()));
-    if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') return home;
-    return folderOf(getpwuid(getuid()));
-}
-
-}  // namespace
-
 Arguments argumentsOfProcess(std::span<const char* const> words) {
     Arguments args;
     for (const char* word : words.subspan(std::min<std::size_t>(1, words.size()))) {
@@ -64,11 +45,7 @@ std::optional<std::set<StoreLocale>> localesOption(const Arguments& args) {
 
 std::filesystem::path fileURL(std::string_view word) {
     if (word.empty()) fail("a path can't be empty");
-    if (word.front() != '~') return word;
-    const auto nameEnd = std::min(word.find('/'), word.size());
-    const auto home = homeFolder(std::string(word.substr(1, nameEnd - 1)));
-    if (!home) return word;
-    return *home + std::string(word.substr(nameEnd));
+    return expandingTilde(word);
 }
 
 std::string lastPathComponent(const std::filesystem::path& path) {

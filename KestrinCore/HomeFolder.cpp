@@ -19,6 +19,10 @@ std::optional<std::filesystem::path> folderOf(const passwd* user) {
 std::optional<std::filesystem::path> homeFolder() {
     const char* home = std::getenv("HOME");
     if (home && *home != '\0') return home;
+    return homeOfAccount();
+}
+
+std::optional<std::filesystem::path> homeOfAccount() {
     return folderOf(getpwuid(getuid()));
 }
 

@@ -12,6 +12,9 @@ namespace kestrin {
 // neither says.
 std::optional<std::filesystem::path> homeFolder();
 
+// The home folder in the record of the user who runs the program, whatever the environment says.
+std::optional<std::filesystem::path> homeOfAccount();
+
 // The home folder in the record of the user of this name; nullopt when there is none.
 std::optional<std::filesystem::path> homeFolder(const std::string& user);
 

@@ -1,14 +1,12 @@
 #include "ASCKit/Credentials/EnvironmentCredentials.h"
 
-#include <pwd.h>
-#include <unistd.h>
-
 #include <filesystem>
 #include <optional>
 #include <string_view>
 
 #include "ASCKit/ASCError.h"
 #include "KestrinCore/Files.h"
+#include "KestrinCore/HomeFolder.h"
 #include "KestrinCore/UnicodeText.h"
 
 namespace kestrin::EnvironmentCredentials {
@@ -25,16 +23,15 @@ std::optional<std::string> variable(const Environment& environment, const char* 
     return found->second;
 }
 
-std::string homeFolder(const Environment& environment) {
-    auto home = variable(environment, "HOME").value_or("");
-    if (!home.empty()) return home;
-    const auto* account = getpwuid(getuid());
-    return account && account->pw_dir ? account->pw_dir : "/";
+// Of the environment that was given, which in a test isn't that of the process.
+fs::path homeOf(const Environment& environment) {
+    const auto home = variable(environment, "HOME").value_or("");
+    return home.empty() ? homeOfAccount().value_or("/") : fs::path(home);
 }
 
 fs::path locationOf(const std::string& path, const Environment& environment) {
     const bool startsAtHome = path == "~" || path.starts_with("~/");
-    const fs::path expanded = startsAtHome ? homeFolder(environment) + path.substr(1) : path;
+    const fs::path expanded = startsAtHome ? homeOf(environment).native() + path.substr(1) : path;
     return expanded.is_absolute() ? expanded : (fs::current_path() / expanded).lexically_normal();
 }
 

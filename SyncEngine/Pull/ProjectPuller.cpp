@@ -4,6 +4,7 @@
 #include "KestrinModel/PackageNames.h"
 #include "SyncEngine/Pull/PullService.h"
 #include "SyncEngine/Pull/SyncError.h"
+#include "SyncEngine/Remote/RemoteNames.h"
 
 namespace kestrin {
 namespace {
@@ -26,7 +27,8 @@ PullResult ProjectPuller::pull(Project project, const MediaLocator& locate) {
     const auto remote =
         PullService(client_).fetch(*appID, ProductPageSlugs(stateStore_.remoteIDs(projectID), project));
     auto result = mergeWithMedia(project, remote, stateStore_.base(projectID), locate);
-    // Names come from the service: one that the package can't hold must be refused while nothing is written.
+    // Names come from the service: one that leads elsewhere must be refused while nothing is written.
+    RemoteNames::check(remote);
     PackageNames::check(result.project);
 
     stateStore_.saveBase(result.base, projectID);

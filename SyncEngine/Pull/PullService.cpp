@@ -127,7 +127,8 @@ void PullService::fetchPage(const ASCCustomProductPage& page, const ASCCustomPro
     for (const auto& localization : ASC::customProductPageLocalizations(client_, version.id)) {
         const StoreLocale locale{localization.locale};
         content.locales.push_back(locale);
-        content.promotionalText[locale] = localization.promotionalText.value_or("");
+        const auto& text = localization.promotionalText;
+        if (text && !text->empty()) content.promotionalText[locale] = *text;
         remote.localizations[locale] = localization.id;
         store(placements({PlacementParent::Kind::customPageLocalization, localization.id}, listing), locale,
               content.media, remote.placements);

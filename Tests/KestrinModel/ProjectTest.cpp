@@ -80,16 +80,14 @@ TEST(Project, FindsALocaleInEveryForm) {
     EXPECT_EQ(project.app.locales.size(), 1u);
 }
 
-TEST(Project, ACopyIsIndependent) {
-    rc::check([] {
-        const auto project = *arbitrary::project();
-        auto copy = project;
-        RC_ASSERT(copy == project);
-        copy.setValue("changed", name, kGerman, StorePlatform::iOS);
-        copy.pages[{"new"}].name = "New";
-        RC_ASSERT(!project.pages.contains({"new"}));
-        RC_ASSERT(copy != project);
-    });
+RC_GTEST_PROP(Project, ACopyIsIndependent, ()) {
+    const auto project = *arbitrary::project();
+    auto copy = project;
+    RC_ASSERT(copy == project);
+    copy.setValue("changed", name, kGerman, StorePlatform::iOS);
+    copy.pages[{"new"}].name = "New";
+    RC_ASSERT(!project.pages.contains({"new"}));
+    RC_ASSERT(copy != project);
 }
 
 TEST(CustomProductPage, IsMadeWithSortedLocalesAndWithoutEmptyTexts) {

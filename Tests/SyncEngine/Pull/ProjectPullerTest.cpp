@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "KestrinCore/FileError.h"
 #include "KestrinModel/PackageNameError.h"
 #include "SyncEngine/Pull/SyncError.h"
 #include "Tests/Support/RoutedClient.h"
@@ -106,10 +107,48 @@ TEST(ProjectPuller, ANameThatAPackageCantHoldIsRefusedBeforeAnythingIsWritten) {
     }
 }
 
-TEST(ProjectPuller, ADamagedStateFileEndsThePull) {
+TEST(ProjectPuller, ADamagedStateFileEndsThePullAndEveryFileStaysAsItIs) {
+    for (const auto* name : {"base.json", "remote-ids.json"}) {
+        SCOPED_TRACE(name);
+        World world;
+        const auto id = world.project.manifest.projectID.text();
+        world.folder.write("state/" + id + "/" + name, "{");
+        const auto before = world.folder.files();
+        EXPECT_THROW(world.pull(), StateFileError);
+        EXPECT_EQ(world.folder.files(), before);
+    }
+}
+
+TEST(ProjectPuller, AStateThatCannotBeWrittenFailsThePullAndWhatWasWrittenStays) {
     World world;
-    world.folder.write("state/" + world.project.manifest.projectID.text() + "/base.json", "{");
-    EXPECT_THROW(world.pull(), StateFileError);
+    const auto state = "state/" + world.project.manifest.projectID.text();
+    std::filesystem::create_directories(world.folder / state / "remote-assets.json/in-the-way");
+    EXPECT_THROW(world.pull(), FileError);
+    EXPECT_TRUE(world.folder.has(state + "/base.json")) << "the snapshot goes first";
+    EXPECT_TRUE(world.folder.has(state + "/remote-ids.json")) << "then the ids";
+}
+
+TEST(ProjectPuller, ASecondPullUpdatesNothing) {
+    World world;
+    world.project = world.pull().project;
+    const auto second = world.pull();
+    EXPECT_EQ(second.project, world.project);
+    EXPECT_TRUE(second.updatedKeys.empty());
+    EXPECT_TRUE(second.conflicts.empty());
+}
+
+TEST(ProjectPuller, ALaterPullKeepsALocalEditAndBringsTheRemoteOneIn) {
+    World world;
+    world.project = world.pull().project;
+    const ContentKey subtitle = ContentKey::AppInfoLocale{kGerman, ListingField::subtitle};
+    ContentGraph::set("Local", subtitle, world.project);
+    world.remoteName("de-DE", "Renamed");
+
+    const auto result = world.pull();
+
+    EXPECT_EQ(result.updatedKeys, std::vector{kName});
+    EXPECT_TRUE(result.conflicts.empty());
+    EXPECT_EQ(ContentGraph::value(subtitle, result.project), "Local");
 }
 
 // The remote side holds the very content that the project has as a file.
@@ -145,6 +184,42 @@ TEST(ProjectPuller, AFileWhoseContentIsOnTheServerIsNoDifferenceAndStaysAFile) {
     EXPECT_TRUE(result.conflicts.empty());
     EXPECT_EQ(world.items(result), MediaItems{MediaItem::file("a.png")});
     EXPECT_EQ(ContentGraph::value(kName, result.project), "Remote") << "other updates come in";
+}
+
+TEST(ProjectPuller, TheSnapshotHasTheRemoteSideAlsoWhereAFileIsTheSame) {
+    MediaWorld world;
+    const auto result = world.pull(world.locator());
+    const ContentKey slot = ContentKey::Placements{StorePlatform::iOS, kGerman, kSlot};
+    EXPECT_EQ(result.base.at(slot), "asset:A");
+}
+
+TEST(ProjectPuller, TheLibraryIsAskedForImagesAndThenForVideosAfterTheFetch) {
+    MediaWorld world;
+    world.pull(world.locator());
+    const auto& paths = world.paths();
+    ASSERT_GE(paths.size(), 2u);
+    EXPECT_EQ(std::vector(paths.end() - 2, paths.end()),
+              (std::vector<std::string>{"/v1/appAssetLibraries/7/images", "/v1/appAssetLibraries/7/videos"}));
+}
+
+TEST(ProjectPuller, AnAssetOfADangerousNameIsRefusedBeforeAnythingIsWritten) {
+    struct Row {
+        const char* id;
+        const char* fileName;
+    };
+    for (const Row& row : {Row{"../A", "a.png"}, Row{"A", "../../a.png"}, Row{"", "a.png"}}) {
+        SCOPED_TRACE(std::string(row.id) + " " + row.fileName);
+        MediaWorld world;
+        const std::string id = row.id, fileName = row.fileName;
+        world.answer("/v1/appStoreVersionLocalizations/L/placements",
+                     R"({"data":[{"type":"p","id":"P","attributes":
+            {"placementGroup":"IPHONE_67","placementType":"APP_SCREENSHOT"},
+            "relationships":{"image":{"data":{"type":"appAssetLibraryImages","id":")" +
+                         id + R"("}}}}],"included":[{"type":"appAssetLibraryImages","id":")" + id +
+                         R"(","attributes":{"fileName":")" + fileName + R"("}}]})");
+        EXPECT_THROW(world.pull(), PackageNameError);
+        EXPECT_FALSE(world.hasState());
+    }
 }
 
 TEST(ProjectPuller, WithoutALocatorLocalMediaArentLookedAt) {

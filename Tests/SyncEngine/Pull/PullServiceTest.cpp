@@ -141,6 +141,61 @@ TEST(PullService, APlatformHasItsCurrentVersionWithTextsMediaAndReviewDetails) {
                              "B"}));
 }
 
+TEST(PullService, EveryPlatformHasAnEntryOfItsOwn) {
+    RoutedClient world;
+    world.answer("/v1/apps/7", R"({"data":{"type":"apps","id":"7"}})");
+    world.answer("/v1/apps/7/appStoreVersions", R"({"data":[
+        {"type":"v","id":"M","attributes":{"platform":"MAC_OS","versionString":"3.0"}},
+        {"type":"v","id":"I","attributes":{"platform":"IOS","versionString":"2.0","appVersionState":"IN_REVIEW"}},
+        {"type":"v","id":"X","attributes":{"platform":"WATCH_OS","versionString":"1.0"}}]})");
+    for (const auto* id : {"M", "I", "X"}) {
+        world.answer(std::string("/v1/appStoreVersions/") + id,
+                     R"({"data":{"type":"appStoreVersions","id":"M"}})");
+        world.answer(std::string("/v1/appStoreVersions/") + id + "/appStoreReviewDetail", R"({"data":null})");
+    }
+
+    const auto listing = PullService(world.client).fetch("7", noSlugs());
+
+    std::map<std::string, std::string> versions;
+    for (const auto& [platform, content] : listing.platforms) {
+        versions.emplace(platform.rawValue, content.version.versionString.value_or(""));
+    }
+    EXPECT_EQ(versions,
+              (std::map<std::string, std::string>{{"IOS", "2.0"}, {"MAC_OS", "3.0"}, {"WATCH_OS", "1.0"}}));
+    const auto& ids = listing.ids.versions;
+    EXPECT_EQ(ids.at(StorePlatform::macOS), (RemoteVersion{"M", "", {}, {}, {}, {}}))
+        << "no state is an empty one";
+    EXPECT_EQ(ids.at(StorePlatform::iOS), (RemoteVersion{"I", "IN_REVIEW", {}, {}, {}, {}}));
+}
+
+TEST(PullService, WorksOnItsOwnCopyOfTheSlugs) {
+    World world;
+    auto slugs = noSlugs();
+    PullService(world.client).fetch("7", slugs);
+    EXPECT_EQ(slugs.pages.slug("another page", "Summer"), Slug{"summer"}) << "still free";
+}
+
+TEST(PullService, CustomPagesAndTestsCanBeReadAlone) {
+    World world;
+    RemoteListing listing;
+    auto slugs = noSlugs();
+    PullService(world.client).fetchProductPages("7", slugs, listing);
+    EXPECT_EQ(listing.pages.size(), 1u);
+    EXPECT_EQ(listing.experiments.size(), 1u);
+    EXPECT_TRUE(listing.platforms.empty());
+    EXPECT_EQ(world.paths().front(), "/v1/apps/7/appCustomProductPages");
+}
+
+TEST(PullService, ALaterAssetOfTheSameIdReplacesTheEarlierOne) {
+    World world;
+    world.answer("/v1/appStoreVersionLocalizations/L2/placements",
+                 R"({"data":[],"included":[{"type":"appAssetLibraryImages","id":"A1",
+                     "attributes":{"fileName":"renamed.png"}}]})");
+    world.answer("/v1/apps/7/appCustomProductPages", R"({"data":[]})");
+    world.answer("/v1/apps/7/appStoreVersionExperimentsV2", R"({"data":[]})");
+    EXPECT_EQ(world.fetch().assets.at("A1").fileName, "renamed.png");
+}
+
 TEST(PullService, APlacementWithoutAnAssetHasNeitherItemNorId) {
     World world;
     RemoteListing listing;

@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 #include "KestrinCore/FileError.h"
 #include "KestrinCore/StableJSON.h"
+#include "Tests/Support/ProcessState.h"
 #include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/Unprivileged.h"
 
 namespace kestrin {
 namespace {
@@ -161,11 +161,57 @@ TEST_F(ProjectStateStoreTest, AProjectsFolderIsItsIdInUpperCase) {
     EXPECT_TRUE(std::filesystem::exists(folder / "0F9C1B2A-3D4E-4F50-8A6B-7C8D9E0F1A2B/remote-ids.json"));
 }
 
-TEST_F(ProjectStateStoreTest, TheCommandLinesRootIsBelowTheHomeFolder) {
-    const std::string home = std::getenv("HOME") ? std::getenv("HOME") : "";
-    setenv("HOME", "/home/of/a/test", 1);
+TEST_F(ProjectStateStoreTest, AWriteThatFailsLeavesTheEarlierFile) {
+    store.saveBase({{kName, "Name"}}, kProject);
+    const auto projectFolder = (folder / file("base.json")).parent_path();
+    std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(projectFolder, std::filesystem::perms(0555));
+    {
+        const Unprivileged user;
+        EXPECT_THROW(store.saveBase({{kName, "Other"}}, kProject), FileError);
+        EXPECT_EQ(store.base(kProject), (FlatValues{{kName, "Name"}}));
+    }
+    std::filesystem::permissions(projectFolder, std::filesystem::perms(0755));
+}
+
+TEST_F(ProjectStateStoreTest, ASaveLeavesNothingBesideItsFile) {
+    store.saveBase({{kName, "Name"}}, kProject);
+    store.saveBase({{kName, "Other"}}, kProject);
+    store.saveRemoteIDs(everyID(), kProject);
+    store.saveRemoteAssets({}, kProject);
+    store.saveRefData({});
+    std::vector<std::string> names;
+    for (const auto& [name, bytes] : folder.files()) names.push_back(name);
+    EXPECT_EQ(names, (std::vector<std::string>{file("base.json"), file("remote-assets.json"),
+                                               file("remote-ids.json"), "refdata.json"}));
+}
+
+TEST_F(ProjectStateStoreTest, ProjectsDontSeeEachOther) {
+    store.saveBase({{kName, "Name"}}, kProject);
+    EXPECT_EQ(store.base(UUID::random()), std::nullopt);
+}
+
+TEST(ProjectStateStoreRoots, TheCommandLinesIsBelowTheHomeFolder) {
+    const EnvironmentVariable home("HOME", "/home/of/a/test");
     EXPECT_EQ(ProjectStateStore::commandLine().root, "/home/of/a/test/.kestrin/state");
-    setenv("HOME", home.c_str(), 1);
+}
+
+TEST(ProjectStateStoreRoots, TheApplicationsIsInTheFolderForApplicationData) {
+    const EnvironmentVariable home("HOME", "/home/of/a/test");
+    struct Row {
+        const char* folder;
+        const char* root;
+    };
+    const Row rows[] = {
+        {nullptr, "/home/of/a/test/.local/share/Kestrin/Projects"},
+        {"", "/home/of/a/test/.local/share/Kestrin/Projects"},
+        {"relative", "/home/of/a/test/.local/share/Kestrin/Projects"},
+        {"/data", "/data/Kestrin/Projects"},
+    };
+    for (const Row& row : rows) {
+        const EnvironmentVariable data("XDG_DATA_HOME", row.folder);
+        EXPECT_EQ(ProjectStateStore::application().root, row.root);
+    }
 }
 
 }  // namespace

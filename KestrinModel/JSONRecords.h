@@ -1,4 +1,0 @@
-// The helpers moved to the core.
-#pragma once
-
-#include "KestrinCore/JSONRecords.h"
