@@ -2,10 +2,12 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "ASCKit/ASCClient.h"
+#include "KestrinCore/StableJSON.h"
 #include "Tests/Support/FakeTime.h"
 #include "Tests/Support/ScriptedTransport.h"
 #include "Tests/Support/TestCredential.h"
@@ -38,6 +40,18 @@ struct ScriptedClient {
     std::string body(std::size_t n) const {
         const auto& body = server->sent.at(n).body;
         return body ? std::get<std::string>(*body) : "";
+    }
+
+    // Every request as a line with its JSON body, if it has one, as compact JSON behind it.
+    std::vector<std::string> requests() const {
+        std::vector<std::string> lines;
+        for (std::size_t n = 0; n < server->sent.size(); ++n) {
+            lines.push_back(line(n));
+            if (const auto sent = body(n); !sent.empty()) {
+                lines.back() += " " + StableJSON::encodeCompact(StableJSON::decode(sent));
+            }
+        }
+        return lines;
     }
 
  private:
