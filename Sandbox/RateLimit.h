@@ -20,6 +20,8 @@ class RateLimit {
 
     std::size_t remaining() const { return limit_ > taken_.size() ? limit_ - taken_.size() : 0; }
     void setLimit(std::size_t requestsPerHour) { limit_ = requestsPerHour; }
+    // As if that many requests had come at that second, and none before.
+    void setMade(std::size_t requests, std::int64_t now) { taken_.assign(requests, now); }
 
  private:
     std::size_t limit_;

@@ -8,17 +8,22 @@ namespace {
 constexpr const char* kKeyID = "2X9R4HXF34";
 constexpr const char* kIssuerID = "57246542-96fe-1a63-e053-0824d011072a";
 
-Settings withKey(Settings settings, Credential& credential) {
-    const auto pair = KeyPair::generate();
-    credential = {kKeyID, kIssuerID, pair.privateKeyPEM};
-    settings.keys.push_back({credential.keyID, credential.issuerID, pair.publicKeyPEM});
+Settings withKey(Settings settings, const Credential& credential) {
+    const auto pair = KeyPair::fromPrivateKey(credential.privateKeyPEM);
+    settings.keys.push_back({credential.keyID, credential.issuerID, pair.publicKeyPEM, credential.role});
     return settings;
 }
 
 }  // namespace
 
-Sandbox::Sandbox(Settings settings, const Seed& seed)
-    : service_(withKey(std::move(settings), credential_)), server_(service_) {
+Credential newCredential() {
+    return {kKeyID, kIssuerID, KeyPair::generate().privateKeyPEM};
+}
+
+Sandbox::Sandbox(Settings settings, const Seed& seed, Credential credential)
+    : credential_(std::move(credential)),
+      service_(withKey(std::move(settings), credential_)),
+      server_(service_) {
     service_.with([&](State& state) { seed(state); });
 }
 
@@ -30,7 +35,7 @@ std::map<std::string, std::string> Sandbox::environment(const std::filesystem::p
     return {{"ASC_KEY_ID", credential_.keyID},
             {"ASC_ISSUER_ID", credential_.issuerID},
             {"ASC_PRIVATE_KEY", path.string()},
-            {"KESTRIN_API_ROOT", url()}};
+            {"KESTRIN_SANDBOX_ROOT", url()}};
 }
 
 }  // namespace kestrin::sandbox

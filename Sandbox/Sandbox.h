@@ -15,17 +15,22 @@
 
 namespace kestrin::sandbox {
 
-// A team key that may write.
 struct Credential {
     std::string keyID;
-    std::string issuerID;
+    std::string issuerID;  // "" for an individual key
     std::string privateKeyPEM;
+    AccessKey::Role role = AccessKey::Role::appManager;
 };
+
+// A team key that may write, with a new key pair.
+Credential newCredential();
 
 class Sandbox {
  public:
-    // Makes a key pair and adds its public key to those of the settings.
-    explicit Sandbox(Settings settings = {}, const Seed& seed = seeds::everyday);
+    // Adds the public key of the credential to those of the settings. Throws std::invalid_argument for a private
+    // key that isn't a P-256 key.
+    explicit Sandbox(Settings settings = {}, const Seed& seed = seeds::everyday,
+                     Credential credential = newCredential());
 
     Service& service() { return service_; }
     const Credential& credential() const { return credential_; }
@@ -35,7 +40,7 @@ class Sandbox {
     const std::string& url() const { return server_.url(); }
 
     // The environment that points the sandboxed executable here: ASC_KEY_ID, ASC_ISSUER_ID, ASC_PRIVATE_KEY and
-    // KESTRIN_API_ROOT. The private key is written to `folder`, readable for its owner alone.
+    // KESTRIN_SANDBOX_ROOT. The private key is written to `folder`, readable for its owner alone.
     std::map<std::string, std::string> environment(const std::filesystem::path& folder) const;
 
  private:

@@ -353,36 +353,69 @@ void everyday(State& state) {
     addShowcase(state, app);
 }
 
+void newApp(State& state) {
+    addCategories(state);
+    const auto& app = addApp(state, kAppID, "Tide Notes", "com.example.tidenotes", "TIDE001");
+    auto& info = state.store.add("appInfos", Json::object(), {{"app", app.ref}});
+    setAppInfoState(info, "PREPARE_FOR_SUBMISSION");
+    state.store.add("appInfoLocalizations", {{"locale", "en-US"}, {"name", "Tide Notes"}},
+                    {{"appInfo", info.ref}});
+    auto& version = state.store.add("appStoreVersions",
+                                    {{"platform", "IOS"},
+                                     {"versionString", "1.0"},
+                                     {"reviewType", "APP_STORE"},
+                                     {"releaseType", "AFTER_APPROVAL"},
+                                     {"downloadable", true},
+                                     {"createdDate", state.store.pacificDate()}},
+                                    {{"app", app.ref}});
+    setVersionState(version, "PREPARE_FOR_SUBMISSION");
+    state.store.add("appStoreVersionLocalizations", {{"locale", "en-US"}},
+                    {{"appStoreVersion", version.ref}});
+}
+
+Seed fromDocument(Json document) {
+    return [document = std::move(document)](State& state) {
+        try {
+            for (const auto& resource : document.at("resources")) addFromJSON(state, resource);
+            if (document.contains("clock")) state.store.setClock(document["clock"].get<std::int64_t>());
+        } catch (const std::exception& error) {
+            throw std::runtime_error(fmt::format("the state can't be read: {}", error.what()));
+        }
+    };
+}
+
 Seed fromFile(const std::filesystem::path& path) {
     std::ifstream file(path);
     std::ostringstream text;
     text << file.rdbuf();
     const auto document = file ? parsedJSON(text.str()) : std::nullopt;
     if (!document) throw std::runtime_error(fmt::format("couldn't read a seed from {}", path.string()));
-    return [document = *document, path](State& state) {
+    return [seed = fromDocument(*document), path](State& state) {
         try {
-            for (const auto& resource : document.at("resources")) addFromJSON(state, resource);
+            seed(state);
         } catch (const std::exception& error) {
-            throw std::runtime_error(fmt::format("the seed {}: {}", path.string(), error.what()));
+            throw std::runtime_error(fmt::format("{}: {}", path.string(), error.what()));
         }
     };
 }
 
 }  // namespace seeds
 
+Json resourceJSON(const Resource& resource) {
+    Json relationships = Json::object();
+    for (const auto& [name, other] : resource.related) {
+        relationships[name] = {{"data", {{"type", other.type}, {"id", other.id}}}};
+    }
+    return {{"type", resource.type()},
+            {"id", resource.id()},
+            {"attributes", resource.attributes},
+            {"relationships", relationships}};
+}
+
 Json stateJSON(const State& state) {
     Json resources = Json::array();
-    for (const auto* resource : state.store.all()) {
-        Json relationships = Json::object();
-        for (const auto& [name, other] : resource->related) {
-            relationships[name] = {{"data", {{"type", other.type}, {"id", other.id}}}};
-        }
-        resources.push_back({{"type", resource->type()},
-                             {"id", resource->id()},
-                             {"attributes", resource->attributes},
-                             {"relationships", relationships}});
-    }
-    return {{"resources", resources}};
+    for (const auto* resource : state.store.all()) resources.push_back(resourceJSON(*resource));
+    return {{"clock", state.store.clock()}, {"resources", resources}};
 }
 
 }  // namespace kestrin::sandbox

@@ -22,13 +22,24 @@ void empty(State& state);
 // an app with nothing in it.
 void everyday(State& state);
 
-// The state that a sandbox printed, or one written by hand in the same form: {"resources": [{"type", "id",
-// "attributes", "relationships": {"app": {"data": {"type", "id"}}}}]}. Throws std::runtime_error naming the file.
+// An app "Tide Notes" (id 1234567890, com.example.tidenotes) as App Store Connect makes it: a version 1.0 for iOS in
+// preparation, with its name in en-US and nothing else.
+void newApp(State& state);
+
+// The state that a sandbox printed, or one written by hand in the same form: {"clock": seconds since 1970,
+// "resources": [{"type", "id", "attributes", "relationships": {"app": {"data": {"type", "id"}}}}]}. The clock is
+// optional. The seed throws std::runtime_error for anything else.
+Seed fromDocument(Json document);
+
+// The same from a file. Throws std::runtime_error naming the file, when it is made or when it is used.
 Seed fromFile(const std::filesystem::path& path);
 
 }  // namespace seeds
 
-// All resources in the form that fromFile reads.
+// All resources in the form that fromDocument reads; bytes that were uploaded aren't among them.
 Json stateJSON(const State& state);
+
+// One of them.
+Json resourceJSON(const Resource& resource);
 
 }  // namespace kestrin::sandbox

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "Sandbox/Control.h"
 #include "Sandbox/MediaAddresses.h"
 #include "Sandbox/Refusal.h"
 #include "Sandbox/Resources/Endpoints.h"
@@ -47,6 +48,7 @@ Service::Service(Settings settings)
     : state_{std::move(settings), {}, {}, {}, {}},
       tokens_(state_.settings.keys),
       rateLimit_(state_.settings.requestsPerHour) {
+    rateLimit_.setMade(state_.settings.requestsMade, state_.settings.now());
     addAppEndpoints(router_);
     addAppInfoEndpoints(router_);
     addVersionEndpoints(router_);
@@ -62,6 +64,7 @@ Service::Service(Settings settings)
 
 Answer Service::answer(const HTTPRequest& request) {
     const std::lock_guard lock(mutex_);
+    if (request.target.starts_with(kControlPathStart)) return {respondToControl(request), {}};
     auto& entry = log_.begin(request);
     const auto strike = faults_.strike(entry.line());
     Answer answer;
@@ -77,7 +80,16 @@ Answer Service::answer(const HTTPRequest& request) {
     // What follows on a connection can't be told from a body that wasn't read.
     if (request.method == "GET" && bearsBody(request)) answer.wire.closeAfterwards = true;
     if (isAPI(request.target)) answer.reply.headers.emplace_back("X-Rate-Limit", rateLimit_.header());
+    if (observer_) observer_(entry);
     return answer;
+}
+
+HTTPReply Service::respondToControl(const HTTPRequest& request) {
+    try {
+        return answerControl({state_, faults_, log_, rateLimit_, tokens_}, request);
+    } catch (const Refusal& refusal) {
+        return refused(refusal.items);
+    }
 }
 
 HTTPReply Service::respond(const HTTPRequest& request, LoggedRequest& entry) {
@@ -147,6 +159,11 @@ void Service::revokeKey(std::string_view keyID) {
 void Service::setRequestsPerHour(std::size_t limit) {
     const std::lock_guard lock(mutex_);
     rateLimit_.setLimit(limit);
+}
+
+void Service::setObserver(std::function<void(const LoggedRequest&)> observer) {
+    const std::lock_guard lock(mutex_);
+    observer_ = std::move(observer);
 }
 
 void Service::setRoot(std::string root) {

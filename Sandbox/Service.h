@@ -1,10 +1,11 @@
 // The sandbox without its socket: a request in, an answer out.
 //
-// A request goes through, in this order: the log, the faults, the token, the rate limit, the media types, the
+// A request below /sandbox/ is answered by the control desk. Any other goes through, in this order: the log, the faults, the token, the rate limit, the media types, the
 // path, the role of the key, the query, the handler. One lock around all of that; several threads may call.
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <mutex>
 #include <string>
 
@@ -40,12 +41,16 @@ class Service {
     void revokeKey(std::string_view keyID);
     void setRequestsPerHour(std::size_t limit);
 
+    // Called with every request that was answered and its outcome, in order, under the service's lock.
+    void setObserver(std::function<void(const LoggedRequest&)> observer);
+
     // What links and upload addresses start with; the server knows it once it listens.
     void setRoot(std::string root);
 
  private:
     HTTPReply respond(const HTTPRequest& request, LoggedRequest& entry);
     HTTPReply respondToAPI(const HTTPRequest& request);
+    HTTPReply respondToControl(const HTTPRequest& request);
     HTTPReply refused(const std::vector<ErrorItem>& items);
 
     mutable std::mutex mutex_;
@@ -55,6 +60,7 @@ class Service {
     Router router_;
     Faults faults_;
     RequestLog log_;
+    std::function<void(const LoggedRequest&)> observer_;
 };
 
 }  // namespace kestrin::sandbox

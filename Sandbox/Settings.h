@@ -26,6 +26,7 @@ struct Settings {
     std::function<std::int64_t()> now = systemSeconds;
 
     std::size_t requestsPerHour = 3600;
+    std::size_t requestsMade = 0;  // of this hour, before the sandbox began
     std::size_t defaultPageSize = 50;
     std::size_t largestPage = 200;  // a page holds no more, whatever `limit` asks for
 

@@ -62,7 +62,11 @@ Resource& Store::add(std::string type, Json attributes, Relations related, std::
     for (const auto& name : resourceType(type).attributes) {
         if (!attributes.contains(name)) attributes[name] = nullptr;
     }
-    if (id.empty()) id = makeID(type);
+    // A state that was printed and read again holds identifiers that the store makes too.
+    if (id.empty()) {
+        do id = makeID(type);
+        while (find(type, id) != nullptr);
+    }
     auto& slot = resources_[type][id];
     if (slot) throw std::logic_error("a resource " + type + " " + id + " exists already");
     slot = std::make_unique<Resource>(

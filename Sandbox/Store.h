@@ -98,6 +98,7 @@ class Store {
     std::string pacificDate();
     // `date` and `pacificDate` go on from here, in seconds since 1970.
     void setClock(std::int64_t seconds) { seconds_ = seconds; }
+    std::int64_t clock() const { return seconds_; }
 
     // As the identifiers of new resources are made; for identifiers that aren't a resource's.
     std::string makeID(std::string_view kind);

@@ -135,15 +135,24 @@ bool isSigned(EVP_PKEY* key, std::string_view text, std::string_view rawSignatur
                             text.size()) == 1;
 }
 
+bool isP256(const Key& key) {
+    std::array<char, 32> curve{};
+    const bool hasCurve = key && EVP_PKEY_get_group_name(key.get(), curve.data(), curve.size(), nullptr) == 1;
+    return hasCurve && std::string_view(curve.data()) == "prime256v1";
+}
+
 Key publicKey(const std::string& pem) {
     const Memory memory(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())));
     Key key(PEM_read_bio_PUBKEY(memory.get(), nullptr, nullptr, nullptr));
-    std::array<char, 32> curve{};
-    const bool hasCurve = key && EVP_PKEY_get_group_name(key.get(), curve.data(), curve.size(), nullptr) == 1;
-    if (!hasCurve || std::string_view(curve.data()) != "prime256v1") {
-        throw std::invalid_argument("not the public key of a P-256 key pair");
-    }
+    if (!isP256(key)) throw std::invalid_argument("not the public key of a P-256 key pair");
     return key;
+}
+
+std::string publicPEM(const Key& key) {
+    const Memory memory(BIO_new(BIO_s_mem()));
+    if (PEM_write_bio_PUBKEY(memory.get(), key.get()) != 1)
+        throw std::runtime_error("couldn't write a public key");
+    return contentOf(memory.get());
 }
 
 void checkHeader(const Json& header) {
@@ -240,22 +249,30 @@ const AccessKey& TokenVerifier::verify(std::string_view authorization, std::int6
     return known->key;
 }
 
-void TokenVerifier::revoke(std::string_view keyID) {
+bool TokenVerifier::revoke(std::string_view keyID) {
+    bool found = false;
     for (auto& known : keys_) {
-        if (known.key.keyID == keyID) known.key.revoked = true;
+        if (known.key.keyID == keyID) found = known.key.revoked = true;
     }
+    return found;
 }
 
 KeyPair KeyPair::generate() {
     const Key key(EVP_EC_gen("P-256"));
-    const Memory privateMemory(BIO_new(BIO_s_mem())), publicMemory(BIO_new(BIO_s_mem()));
+    const Memory memory(BIO_new(BIO_s_mem()));
     if (!key ||
-        PEM_write_bio_PKCS8PrivateKey(privateMemory.get(), key.get(), nullptr, nullptr, 0, nullptr,
-                                      nullptr) != 1 ||
-        PEM_write_bio_PUBKEY(publicMemory.get(), key.get()) != 1) {
+        PEM_write_bio_PKCS8PrivateKey(memory.get(), key.get(), nullptr, nullptr, 0, nullptr, nullptr) != 1) {
         throw std::runtime_error("couldn't make a key pair");
     }
-    return {contentOf(privateMemory.get()), contentOf(publicMemory.get())};
+    return {contentOf(memory.get()), publicPEM(key)};
+}
+
+KeyPair KeyPair::fromPrivateKey(std::string privateKeyPEM) {
+    const Memory memory(BIO_new_mem_buf(privateKeyPEM.data(), static_cast<int>(privateKeyPEM.size())));
+    char noPassphrase[] = "";
+    const Key key(PEM_read_bio_PrivateKey(memory.get(), nullptr, nullptr, noPassphrase));
+    if (!isP256(key)) throw std::invalid_argument("not the private key of a P-256 key pair");
+    return {std::move(privateKeyPEM), publicPEM(key)};
 }
 
 }  // namespace kestrin::sandbox

@@ -30,6 +30,8 @@ struct KeyPair {
     std::string publicKeyPEM;
 
     static KeyPair generate();
+    // Of a .p8 file. Throws std::invalid_argument for anything but a P-256 key.
+    static KeyPair fromPrivateKey(std::string privateKeyPEM);
 };
 
 class TokenVerifier {
@@ -46,7 +48,8 @@ class TokenVerifier {
                             std::string_view target);
 
     // As App Store Connect does it for a key: its tokens are 403 from now on.
-    void revoke(std::string_view keyID);
+    // False when there is no such key.
+    bool revoke(std::string_view keyID);
 
  private:
     struct Known;

@@ -185,7 +185,7 @@ TEST_F(ServerTest, WritesThePrivateKeyForItsOwnerAlone) {
 
     const auto environment = sandbox.environment(folder);
 
-    EXPECT_EQ(environment.at("KESTRIN_API_ROOT"), sandbox.url());
+    EXPECT_EQ(environment.at("KESTRIN_SANDBOX_ROOT"), sandbox.url());
     EXPECT_EQ(environment.at("ASC_KEY_ID"), sandbox.credential().keyID);
     EXPECT_EQ(environment.at("ASC_ISSUER_ID"), sandbox.credential().issuerID);
     std::ifstream file(environment.at("ASC_PRIVATE_KEY"));
