@@ -5,21 +5,13 @@
 #include "KestrinCLI/ChangePrinting.h"
 #include "KestrinCLI/ClientAccess.h"
 #include "KestrinCLI/ProjectAccess.h"
+#include "KestrinCLI/ProjectReview.h"
 #include "KestrinCLI/Wording.h"
 #include "KestrinModel/ProjectPackageFile.h"
 #include "SyncEngine/Pull/ProjectPuller.h"
-#include "SyncEngine/Push/ProjectPusher.h"
 
 namespace kestrin::SyncCommands {
 namespace {
-
-// The project at the path and App Store Connect, side by side.
-PushReview review(const std::string& word) {
-    const auto project = loadProject(word);
-    auto client = makeClient();
-    return ProjectPusher(client, ProjectStateStore::commandLine())
-        .review(project, mediaLocator(fileURL(word)));
-}
 
 void takeRemote(PullResult& result) {
     for (const auto& conflict : result.conflicts)
@@ -55,7 +47,7 @@ int pull(const Arguments& args, Console& console) {
 }
 
 int diff(const Arguments& args, Console& console) {
-    const auto changes = review(args[1]).changeSet;
+    const auto changes = reviewProject(args[1]).review.changeSet;
     if (changes.isInSync()) {
         console.print("In sync with App Store Connect.");
         return 0;
@@ -65,7 +57,7 @@ int diff(const Arguments& args, Console& console) {
 }
 
 int verify(const Arguments& args, Console& console) {
-    const auto changes = review(args[1]).changeSet;
+    const auto changes = reviewProject(args[1]).review.changeSet;
     if (changes.isInSync()) {
         console.print("✓ App Store Connect matches the project.");
         return 0;
