@@ -18,6 +18,12 @@ if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
         CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE})
 endif()
 
+# The debug information of the test executables takes the default linker six times as long.
+find_program(LLD ld.lld)
+if(LLD)
+    add_link_options($<$<CONFIG:Debug>:-fuse-ld=lld>)
+endif()
+
 add_library(kestrin_options INTERFACE)
 target_compile_options(kestrin_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
@@ -29,6 +35,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         target_compile_options(kestrin_options INTERFACE
             -Wno-restrict -Wno-stringop-overflow -Wno-maybe-uninitialized)
     endif()
+endif()
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND CCACHE)
+    # A time stamp in a precompiled header makes each of them new, and ccache would never hit.
+    target_compile_options(kestrin_options INTERFACE "SHELL:-Xclang -fno-pch-timestamp")
 endif()
 if(KESTRIN_SANITIZE)
     # -O1 keeps the instrumented suite quick; frame pointers keep its reports readable.
