@@ -8,6 +8,7 @@
 #include "KestrinCLI/Failure.h"
 #include "KestrinCLI/FastlaneCommands.h"
 #include "KestrinCLI/LocalCommands.h"
+#include "KestrinCLI/ReleaseCommands.h"
 #include "KestrinCLI/SyncCommands.h"
 #include "KestrinCLI/Usage.h"
 #include "KestrinCore/UnicodeText.h"
@@ -53,12 +54,12 @@ constexpr Command kCommands[] = {
     {"build",   "upload",   atLeast(4),            "usage: kestrin build upload <project.kestrin> <file.ipa|.pkg>", nullptr},
     {"build",   "list",     atLeast(3),            "usage: kestrin build list <project.kestrin>",                   nullptr},
     {"build",   "attach",   atLeast(4),            "usage: kestrin build attach <project.kestrin> <build number>",  nullptr},
-    {"version", "create",   atLeast(4),            "usage: kestrin version create <project.kestrin> <version>",     nullptr},
-    {"submit",  "",         atLeast(2),            "usage: kestrin submit <project.kestrin>",                       nullptr},
-    {"pages",   "",         exactly(2),            "usage: kestrin pages <project.kestrin>",                        nullptr},
-    {"page",    "submit",   atLeast(4),            "usage: kestrin page submit <project.kestrin> <slug>",           nullptr},
-    {"test",    "submit",   atLeast(4),            "usage: kestrin test submit <project.kestrin> <slug>",           nullptr},
-    {"test",    "start",    atLeast(4),            "usage: kestrin test start <project.kestrin> <slug>",            nullptr},
+    {"version", "create",   atLeast(4),            "usage: kestrin version create <project.kestrin> <version>",     ReleaseCommands::createVersion},
+    {"submit",  "",         atLeast(2),            "usage: kestrin submit <project.kestrin>",                       ReleaseCommands::submit},
+    {"pages",   "",         exactly(2),            "usage: kestrin pages <project.kestrin>",                        ReleaseCommands::pages},
+    {"page",    "submit",   atLeast(4),            "usage: kestrin page submit <project.kestrin> <slug>",           ReleaseCommands::submitPage},
+    {"test",    "submit",   atLeast(4),            "usage: kestrin test submit <project.kestrin> <slug>",           ReleaseCommands::submitTest},
+    {"test",    "start",    atLeast(4),            "usage: kestrin test start <project.kestrin> <slug>",            ReleaseCommands::startTest},
     {"check",   "",         exactly(2),            "check needs exactly one project path",                          LocalCommands::check},
     {"import",  "fastlane", atLeast(3, saysInto),  "usage: kestrin import fastlane <dir> --into <project.kestrin>", FastlaneCommands::importFastlane},
     {"export",  "fastlane", atLeast(3, saysTo),    "usage: kestrin export fastlane <project.kestrin> --to <dir>",   FastlaneCommands::exportFastlane},

@@ -180,12 +180,6 @@ TEST(Dispatch, SaysOfACommandThatItIsNotAvailableYet) {
         {{"build", "upload", "p", "f"}, "build upload"},
         {{"build", "list", "p"}, "build list"},
         {{"build", "attach", "p", "1"}, "build attach"},
-        {{"version", "create", "p", "1.0"}, "version create"},
-        {{"submit", "p"}, "submit"},
-        {{"pages", "p"}, "pages"},
-        {{"page", "submit", "p", "s"}, "page submit"},
-        {{"test", "submit", "p", "s"}, "test submit"},
-        {{"test", "start", "p", "s"}, "test start"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.words);
