@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "ASCKit/Credentials/EnvironmentCredentials.h"
+#include "KestrinCLI/Waiting.h"
 
 namespace kestrin {
 namespace {
@@ -26,7 +27,9 @@ std::map<std::string, std::string> processEnvironment() {
 }  // namespace
 
 ASCClient makeClient() {
-    return ASCClient(EnvironmentCredentials::load(processEnvironment()));
+    ASCClient::Options options;
+    options.sleep = commandSleep();
+    return ASCClient(EnvironmentCredentials::load(processEnvironment()), std::move(options));
 }
 
 void noteRateLimit(const ASCClient& client, Console& console) {

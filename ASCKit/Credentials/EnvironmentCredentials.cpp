@@ -35,10 +35,23 @@ fs::path locationOf(const std::string& path, const Environment& environment) {
     return expanded.is_absolute() ? expanded : (fs::current_path() / expanded).lexically_normal();
 }
 
-std::string contentOf(const fs::path& location) {
+// Whether someone has put the key where its path belongs: a PEM file in one variable, or the base64 of one.
+bool isAKeyItself(const std::string& path) {
+    constexpr std::string_view kBase64 =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=\r\n";
+    constexpr std::size_t kShortestKey =
+        100;  // a P-256 key has 184 characters, a path seldom has none but these
+    if (path.find("PRIVATE KEY") != std::string::npos) return true;
+    return path.size() >= kShortestKey && path.find_first_not_of(kBase64) == std::string::npos;
+}
+
+std::string contentOf(const std::string& path, const Environment& environment) {
+    const auto location = locationOf(path, environment);
     try {
         return text::repaired(files::readWhole(location, kLargestKeyFile));
     } catch (const Error&) {
+        if (isAKeyItself(path))
+            throw ASCError(ASCError::UnreadablePrivateKey{std::string(keyInsteadOfItsPath)});
         throw ASCError(ASCError::UnreadablePrivateKey{text::repaired(location.native())});
     }
 }
@@ -55,7 +68,7 @@ APIKeyCredential load(const Environment& environment) {
 
     const auto path = variable(environment, "ASC_PRIVATE_KEY")
                           .value_or("~/.appstoreconnect/AuthKey_" + credential.keyID + ".p8");
-    credential.privateKeyPEM = contentOf(locationOf(path, environment));
+    credential.privateKeyPEM = contentOf(path, environment);
     return credential;
 }
 

@@ -16,7 +16,11 @@ namespace kestrin::EnvironmentCredentials {
 // hold anything: a key that isn't one shows when a client is made of it.
 //
 // Throws ASCError: MissingEnvironment without ASC_KEY_ID; UnreadablePrivateKey, with the absolute path, for a file
-// that can't be read, isn't a regular file, or has more than a mebibyte, which no key comes near.
+// that can't be read, isn't a regular file, or has more than a mebibyte, which no key comes near. A key put in the
+// place of its path is such a file too, and isn't repeated in the error: it would end up in the log of a build.
+inline constexpr std::string_view keyInsteadOfItsPath =
+    "ASC_PRIVATE_KEY, which holds the key itself instead of its path";
+
 APIKeyCredential load(const std::map<std::string, std::string>& environment);
 
 }  // namespace kestrin::EnvironmentCredentials

@@ -1,0 +1,9 @@
+#include "KestrinCLI/Waiting.h"
+
+namespace kestrin {
+
+Sleep commandSleep() {
+    return sleepOnSteadyClock;
+}
+
+}  // namespace kestrin
