@@ -21,14 +21,22 @@ Image result(int status, VipsImage* image) {
     return nullptr;
 }
 
-// By a source and not by name, since libvips reads options out of a name that ends in "[…]".
-Image open(const char* path, VipsAccess access) {
+// The header alone; pixels are decoded when they are asked for. By a source and not by name, since libvips reads options
+// out of a name that ends in "[…]".
+Image open(const char* path) {
     const std::unique_ptr<VipsSource, Unreference> source(vips_source_new_from_file(path));
     if (!source) {
         vips_error_clear();
         return nullptr;
     }
-    auto* image = vips_image_new_from_source(source.get(), "", "access", access, nullptr);
+    auto* image = vips_image_new_from_source(source.get(), "", "access", VIPS_ACCESS_SEQUENTIAL, "fail_on",
+                                             VIPS_FAIL_ON_TRUNCATED, nullptr);
+    return result(image ? 0 : -1, image);
+}
+
+// All pixels, or nothing where the file ends before they do: half a screenshot must not reach a store page.
+Image decoded(const Image& in) {
+    auto* image = vips_image_copy_memory(in.get());
     return result(image ? 0 : -1, image);
 }
 
@@ -45,7 +53,8 @@ Image inSRGB(const Image& in) {
     const bool isCMYK = vips_image_get_interpretation(in.get()) == VIPS_INTERPRETATION_CMYK;
     if (hasProfile || isCMYK) {
         const int status = vips_icc_transform(in.get(), &out, "srgb", "embedded", TRUE, "input_profile",
-                                              isCMYK ? "cmyk" : "srgb", "depth", 8, nullptr);
+                                              isCMYK ? "cmyk" : "srgb", "black_point_compensation", TRUE,
+                                              "depth", 8, nullptr);
         if (auto converted = result(status, out)) return converted;
     }
     const int status = vips_colourspace(in.get(), &out, VIPS_INTERPRETATION_sRGB, nullptr);
@@ -83,6 +92,10 @@ Image flattened(const Image& in) {
     return overBlack(converted, opacity);
 }
 
+constexpr auto kAllBelowErrors = static_cast<GLogLevelFlags>(
+    G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE | G_LOG_LEVEL_INFO | G_LOG_LEVEL_DEBUG);
+void dropMessage(const char*, GLogLevelFlags, const char*, void*) {}
+
 std::int64_t pixels(const Image& image) {
     return std::int64_t{vips_image_get_width(image.get())} * vips_image_get_height(image.get());
 }
@@ -90,7 +103,10 @@ std::int64_t pixels(const Image& image) {
 }  // namespace
 
 bool initialise() {
+    // What is wrong with a file is said once, by whoever asked.
+    g_log_set_handler("VIPS", kAllBelowErrors, dropMessage, nullptr);
     if (VIPS_INIT("kestrin") != 0) return false;
+    vips_cache_set_max(0);  // no image is looked at twice; the cache would keep the pixels of each
     vips_operation_block_set("VipsForeignLoad", TRUE);
     for (const auto* loader : {"VipsForeignLoadPng", "VipsForeignLoadJpeg", "VipsForeignLoadHeif",
                                "VipsForeignLoadWebp", "VipsForeignLoadNsgif", "VipsForeignLoadTiff"}) {
@@ -100,7 +116,7 @@ bool initialise() {
 }
 
 bool read(const char* path, KestrinImageProperties* properties) {
-    const auto image = open(path, VIPS_ACCESS_SEQUENTIAL);
+    const auto image = open(path);
     if (!image) return false;
     properties->width = vips_image_get_width(image.get());
     properties->height = vips_image_get_height(image.get());
@@ -109,9 +125,11 @@ bool read(const char* path, KestrinImageProperties* properties) {
 }
 
 KestrinFlattenOutcome flatten(const char* path, void** bytes, std::size_t* size) {
-    const auto image = open(path, VIPS_ACCESS_SEQUENTIAL);
+    const auto file = open(path);
+    if (!file) return kestrinUnreadable;
+    if (pixels(file) > kMaximumPixels) return kestrinUnencodable;
+    const auto image = decoded(file);
     if (!image) return kestrinUnreadable;
-    if (pixels(image) > kMaximumPixels) return kestrinUnencodable;
     const auto opaque = flattened(image);
     if (!opaque) return kestrinUnencodable;
     if (vips_pngsave_buffer(opaque.get(), bytes, size, "strip", TRUE, "profile", "srgb", nullptr) != 0) {
