@@ -60,6 +60,7 @@ Service::Service(Settings settings)
     addAssetLibraryEndpoints(router_);
     addPlacementEndpoints(router_);
     addRefDataEndpoints(router_);
+    addReviewSubmissionEndpoints(router_);
 }
 
 Answer Service::answer(const HTTPRequest& request) {

@@ -16,5 +16,6 @@ void addExperimentEndpoints(Router& router);
 void addAssetLibraryEndpoints(Router& router);
 void addPlacementEndpoints(Router& router);
 void addRefDataEndpoints(Router& router);
+void addReviewSubmissionEndpoints(Router& router);
 
 }  // namespace kestrin::sandbox
