@@ -5,6 +5,7 @@
 
 #include "ASCKit/Transport/CurlTransport.h"
 #include "KestrinCore/JSONDecoding.h"
+#include "KestrinCore/Message.h"
 
 namespace kestrin {
 namespace {
@@ -32,7 +33,22 @@ ASCError failureOf(const HTTPResponse& reply, const std::string& path) {
     return httpError(reply, path);
 }
 
+std::string askedToWait() {
+    return message::localized("waitAsked", "App Store Connect asked to wait before the next try");
+}
+
+std::string noGoodReply() {
+    return message::localized("waitNoReply",
+                              "App Store Connect didn’t answer as it should; waiting before the next try");
+}
+
 }  // namespace
+
+// A wait before another try, and why it is made.
+struct ASCClient::Delay {
+    Seconds length;
+    std::string reason;
+};
 
 // One call of perform: what is sent, however often.
 struct ASCClient::Exchange {
@@ -49,7 +65,8 @@ ASCClient::ASCClient(TokenProvider tokens, std::shared_ptr<HTTPTransport> transp
       root_(options.root ? *std::move(options.root) : apiRoot()),
       now_(std::move(options.now)),
       sleep_(std::move(options.sleep)),
-      stop_(std::move(options.stop)) {}
+      stop_(std::move(options.stop)),
+      waitNotes_(std::move(options.waitNotes)) {}
 
 ASCClient::ASCClient(const APIKeyCredential& credential, Options options)
     : ASCClient(TokenProvider(JWTSigner(credential)), std::make_shared<CurlTransport>(), std::move(options)) {
@@ -117,13 +134,14 @@ JSONAPIDocument ASCClient::decode(std::string_view body, const std::string& path
 
 std::string ASCClient::perform(const Exchange& exchange) {
     bool tokenRefreshed = false;
+    LongWait wait(sleep_, waitNotes_);
     for (int attempt = 0;;) {
         auto outcome = sendOnce(authorized(exchange));
         if (const auto* failure = std::get_if<TransportError::Code>(&outcome)) {
             if (exchange.method == HTTPMethod::post || attempt + 1 >= retryPolicy_.maxAttempts) {
                 throw ASCError(ASCError::Transport{*failure, exchange.path});
             }
-            wait(retryPolicy_.backoff(++attempt));
+            backOff(wait, ++attempt);
             continue;
         }
 
@@ -137,7 +155,7 @@ std::string ASCClient::perform(const Exchange& exchange) {
         }
         const auto delay = delayBeforeRetry(reply, exchange.method, attempt + 1);
         if (!delay) throw failureOf(reply, exchange.path);
-        wait(*delay);
+        wait.sleep(delay->length, delay->reason, stop_);
         ++attempt;
     }
 }
@@ -162,21 +180,22 @@ std::variant<HTTPResponse, TransportError::Code> ASCClient::sendOnce(const HTTPR
     }
 }
 
-std::optional<Seconds> ASCClient::delayBeforeRetry(const HTTPResponse& reply, HTTPMethod method,
-                                                   int next) const {
+std::optional<ASCClient::Delay> ASCClient::delayBeforeRetry(const HTTPResponse& reply, HTTPMethod method,
+                                                            int next) const {
     if (next >= retryPolicy_.maxAttempts || !mayRetry(reply.status, method)) return std::nullopt;
-    auto delay = RetryPolicy::retryAfter(reply.header("Retry-After"), now_());
-    if (!delay) delay = retryPolicy_.backoff(next);
-    if (*delay > retryPolicy_.maxRetryAfter) return std::nullopt;
+    const auto asked = RetryPolicy::retryAfter(reply.header("Retry-After"), now_());
+    Delay delay{asked ? *asked : retryPolicy_.backoff(next), asked ? askedToWait() : noGoodReply()};
+    if (delay.length > retryPolicy_.maxRetryAfter) return std::nullopt;
     return delay;
 }
 
-void ASCClient::wait(Seconds delay) {
-    sleep_(delay, stop_);
+void ASCClient::backOff(LongWait& wait, int next) const {
+    wait.sleep(retryPolicy_.backoff(next), noGoodReply(), stop_);
 }
 
 void ASCClient::sendUploadPart(const HTTPRequest& request) {
     static const std::string kPath = "upload";
+    LongWait wait(sleep_, waitNotes_);
     for (int attempt = 0;; ++attempt) {
         const auto outcome = sendOnce(request);
         const auto* reply = std::get_if<HTTPResponse>(&outcome);
@@ -187,7 +206,7 @@ void ASCClient::sendUploadPart(const HTTPRequest& request) {
             if (reply) throw httpError(*reply, kPath);
             throw ASCError(ASCError::Transport{std::get<TransportError::Code>(outcome), kPath});
         }
-        wait(retryPolicy_.backoff(attempt + 1));
+        backOff(wait, attempt + 1);
     }
 }
 

@@ -33,6 +33,7 @@
 #include "ASCKit/Transport/RateLimitStatus.h"
 #include "ASCKit/Transport/RetryPolicy.h"
 #include "KestrinCore/Clock.h"
+#include "KestrinCore/LongWait.h"
 
 namespace kestrin {
 
@@ -48,6 +49,7 @@ class ASCClient {
         Clock now = systemNow;
         Sleep sleep = sleepOnSteadyClock;
         std::stop_token stop = {};
+        WaitNotes waitNotes = {};  // of waits before another try; one wait lasts as long as its request
     };
 
     // Over the network. Throws ASCError::InvalidPrivateKey.
@@ -86,6 +88,7 @@ class ASCClient {
 
  private:
     struct Exchange;
+    struct Delay;
 
     URL addressOf(const ASCRequest& request) const;
     bool isBelowRoot(const URL& url) const;
@@ -95,8 +98,8 @@ class ASCClient {
     std::string perform(const Exchange& exchange);
     HTTPRequest authorized(const Exchange& exchange);
     std::variant<HTTPResponse, TransportError::Code> sendOnce(const HTTPRequest& request);
-    std::optional<Seconds> delayBeforeRetry(const HTTPResponse& reply, HTTPMethod method, int next) const;
-    void wait(Seconds delay);
+    std::optional<Delay> delayBeforeRetry(const HTTPResponse& reply, HTTPMethod method, int next) const;
+    void backOff(LongWait& wait, int next) const;
 
     TokenProvider tokens_;
     std::shared_ptr<HTTPTransport> transport_;
@@ -105,6 +108,7 @@ class ASCClient {
     Clock now_;
     Sleep sleep_;
     std::stop_token stop_;
+    WaitNotes waitNotes_;
     std::optional<RateLimitStatus> rateLimit_;
 };
 

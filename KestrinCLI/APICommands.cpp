@@ -15,14 +15,14 @@ void printRaw(const std::string& bytes, Console& console) {
 }  // namespace
 
 int apps(const Arguments&, Console& console) {
-    auto client = makeClient();
+    auto client = makeClient(console);
     for (const auto& app : ASC::apps(client)) console.print(app.id + "\t" + app.bundleID + "\t" + app.name);
     noteRateLimit(client, console);
     return 0;
 }
 
 int dumpRefData(const Arguments&, Console& console) {
-    auto client = makeClient();
+    auto client = makeClient(console);
     ASCRequest request;
     request.path = "/v1/appAssetLibraryRefData";
     printRaw(client.data(request), console);
@@ -32,7 +32,7 @@ int dumpRefData(const Arguments&, Console& console) {
 int get(const Arguments& args, Console& console) {
     const auto address = URL::parse(ASCClient::apiRoot().absoluteString() + args[2]);
     if (!address) fail("not a valid path");
-    auto client = makeClient();
+    auto client = makeClient(console);
     printRaw(client.data(*address), console);
     return 0;
 }

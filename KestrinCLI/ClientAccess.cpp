@@ -26,10 +26,19 @@ std::map<std::string, std::string> processEnvironment() {
 
 }  // namespace
 
-ASCClient makeClient() {
+ASCClient makeClient(Console& console) {
     ASCClient::Options options;
     options.sleep = commandSleep();
+    options.waitNotes = waitNotes(console);
     return ASCClient(EnvironmentCredentials::load(processEnvironment()), std::move(options));
+}
+
+WaitNotes waitNotes(Console& console) {
+    WaitNotes notes;
+    notes.tell = [&console](const std::string& what, std::chrono::minutes soFar) {
+        console.note(fmt::format("{} ({} min so far)", what, soFar.count()));
+    };
+    return notes;
 }
 
 void noteRateLimit(const ASCClient& client, Console& console) {

@@ -6,8 +6,12 @@
 
 namespace kestrin {
 
-// A client for the API key that the process environment names. Throws ASCError, before any request.
-ASCClient makeClient();
+// A client for the API key that the process environment names. Its long waits are told on standard error. Throws
+// ASCError, before any request.
+ASCClient makeClient(Console& console);
+
+// "App Store Connect is still processing shot.png (2 min so far)" as a note, each minute.
+WaitNotes waitNotes(Console& console);
 
 // How many requests the key has left, as a note: "({remaining} of {limit} requests left this hour)". Nothing when
 // the service hasn't said.

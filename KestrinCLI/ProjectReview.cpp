@@ -7,10 +7,10 @@
 
 namespace kestrin {
 
-ProjectReview reviewProject(std::string_view word) {
+ProjectReview reviewProject(std::string_view word, Console& console) {
     auto project = loadProject(word);
     auto locate = mediaLocator(fileURL(word));
-    auto client = makeClient();
+    auto client = makeClient(console);
     auto review = ProjectPusher(client, ProjectStateStore::commandLine()).review(project, locate);
     return {std::move(project), std::move(locate), std::move(client), std::move(review)};
 }

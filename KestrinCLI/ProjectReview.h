@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "ASCKit/ASCClient.h"
+#include "KestrinCLI/Console.h"
 #include "KestrinModel/Project.h"
 #include "SyncEngine/Media/MediaResolver.h"
 #include "SyncEngine/Push/PushReview.h"
@@ -19,6 +20,6 @@ struct ProjectReview {
 
 // Loads the project at the path that `word` means, connects, and reads what there is to know of both sides; nothing
 // is written but the cached reference data. Throws what loadProject, makeClient and ProjectPusher::review throw.
-ProjectReview reviewProject(std::string_view word);
+ProjectReview reviewProject(std::string_view word, Console& console);
 
 }  // namespace kestrin

@@ -122,7 +122,7 @@ int ReleaseCommands::createVersion(const Arguments& args, Console& console) {
     connectedAppID(project);  // nobody is asked about what can't be done
     Confirmation::require(Confirmation::createVersionQuestion(platform, version),
                           Confirmation::nothingCreated, args, console);
-    auto client = makeClient();
+    auto client = makeClient(console);
     const auto created =
         Releaser(client, ProjectStateStore::commandLine()).createVersion(project, platform, version);
     console.print(fmt::format("✓ Created {} {} ({}). Run `kestrin pull` to bring it in.", platform.rawValue,
@@ -133,7 +133,7 @@ int ReleaseCommands::createVersion(const Arguments& args, Console& console) {
 int ReleaseCommands::submit(const Arguments& args, Console& console) {
     const auto project = loadProject(args[1]);
     const auto platform = platformOption(args);
-    auto client = makeClient();
+    auto client = makeClient(console);
     Releaser releaser(client, ProjectStateStore::commandLine());
     const auto preflight = releaser.preflight(project, platform, mediaLocator(fileURL(args[1])));
     console.print(fmt::format("Ready to submit {} {}?", platform.rawValue,
@@ -148,13 +148,13 @@ int ReleaseCommands::submit(const Arguments& args, Console& console) {
 }
 
 int ReleaseCommands::pages(const Arguments& args, Console& console) {
-    const auto reviewed = reviewProject(args[1]);
+    const auto reviewed = reviewProject(args[1], console);
     printProductPages(reviewed.project, reviewed.review.remote.ids, console);
     return 0;
 }
 
 int ReleaseCommands::submitPage(const Arguments& args, Console& console) {
-    auto reviewed = reviewProject(args[2]);
+    auto reviewed = reviewProject(args[2], console);
     const Slug slug{args[3]};
     const auto& page = named(slug, reviewed.project.pages, args[0]);
     Confirmation::require(Confirmation::submitItemQuestion(page.name), Confirmation::nothingSent, args,
@@ -165,7 +165,7 @@ int ReleaseCommands::submitPage(const Arguments& args, Console& console) {
 }
 
 int ReleaseCommands::submitTest(const Arguments& args, Console& console) {
-    auto reviewed = reviewProject(args[2]);
+    auto reviewed = reviewProject(args[2], console);
     const Slug slug{args[3]};
     const auto& test = named(slug, reviewed.project.experiments, args[0]);
     Confirmation::require(Confirmation::submitItemQuestion(test.name), Confirmation::nothingSent, args,
@@ -176,7 +176,7 @@ int ReleaseCommands::submitTest(const Arguments& args, Console& console) {
 }
 
 int ReleaseCommands::startTest(const Arguments& args, Console& console) {
-    auto reviewed = reviewProject(args[2]);
+    auto reviewed = reviewProject(args[2], console);
     const Slug slug{args[3]};
     const auto& test = named(slug, reviewed.project.experiments, args[0]);
     Confirmation::require(Confirmation::startTestQuestion(test.name), Confirmation::nothingSent, args,

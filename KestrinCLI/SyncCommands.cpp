@@ -35,7 +35,7 @@ void printPulled(const PullResult& result, const std::string& package, bool took
 int pull(const Arguments& args, Console& console) {
     const auto package = fileURL(args[1]);
     const auto project = loadOrCreate(package, option("--bundle-id", args));
-    auto client = makeClient();
+    auto client = makeClient(console);
     auto result =
         ProjectPuller(client, ProjectStateStore::commandLine()).pull(project, mediaLocator(package));
     const bool tookRemote = hasFlag("--take-remote", args);
@@ -47,7 +47,7 @@ int pull(const Arguments& args, Console& console) {
 }
 
 int diff(const Arguments& args, Console& console) {
-    const auto changes = reviewProject(args[1]).review.changeSet;
+    const auto changes = reviewProject(args[1], console).review.changeSet;
     if (changes.isInSync()) {
         console.print("In sync with App Store Connect.");
         return 0;
@@ -57,7 +57,7 @@ int diff(const Arguments& args, Console& console) {
 }
 
 int verify(const Arguments& args, Console& console) {
-    const auto changes = reviewProject(args[1]).review.changeSet;
+    const auto changes = reviewProject(args[1], console).review.changeSet;
     if (changes.isInSync()) {
         console.print("✓ App Store Connect matches the project.");
         return 0;

@@ -20,6 +20,12 @@ std::chrono::system_clock::time_point systemNow() {
     return std::chrono::system_clock::now();
 }
 
+std::chrono::system_clock::time_point steadyNow() {
+    const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::system_clock::time_point(
+        std::chrono::duration_cast<std::chrono::system_clock::duration>(sinceStart));
+}
+
 void sleepOnSteadyClock(Seconds wait, const std::stop_token& stop) {
     // Beyond a century the sum with the present time would overflow the clock.
     constexpr Seconds kCentury = std::chrono::years(100);

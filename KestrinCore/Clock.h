@@ -31,4 +31,7 @@ void throwIfStopped(const std::stop_token& stop);
 std::chrono::system_clock::time_point systemNow();
 void sleepOnSteadyClock(Seconds wait, const std::stop_token& stop);
 
+// A time that nobody sets, for measuring how long something lasts. It isn't the time of day.
+std::chrono::system_clock::time_point steadyNow();
+
 }  // namespace kestrin

@@ -10,6 +10,7 @@
 #include "AssetPipeline/ReferenceName.h"
 #include "AssetPipeline/SpecMatcher.h"
 #include "KestrinCore/MapLookup.h"
+#include "KestrinCore/Message.h"
 #include "SyncEngine/Media/AssetProcessing.h"
 #include "SyncEngine/Push/MediaPushError.h"
 
@@ -169,6 +170,11 @@ class SlotUpdate {
     std::vector<std::string> created_;
 };
 
+std::string processing(const std::string& fileName) {
+    return message::localized("waitProcessing", "App Store Connect is still processing {fileName}",
+                              {{"fileName", fileName}});
+}
+
 // The wanted media of one slot as assets.
 class WantedAssets {
  public:
@@ -231,13 +237,14 @@ RunState::Asset MediaPushContext::ensureAsset(const std::string& path, const std
 
 void MediaPushContext::waitUntilProcessed(const std::string& id, ASCLibraryAsset::Kind kind,
                                           const std::string& fileName, ASCClient& client) const {
+    LongWait wait(sleep, waitNotes);
     for (Seconds elapsed{0};; elapsed += pollInterval) {
         const auto asset = ASC::libraryAsset(client, id, kind);
         if (asset && AssetProcessing::isDead(asset->state))
             throw MediaPushError(MediaPushError::ProcessingFailed{fileName, *asset->state});
         if (asset && !AssetProcessing::isProcessing(asset->state)) return;
         if (elapsed >= processingTimeout) throw MediaPushError(MediaPushError::StillProcessing{fileName});
-        sleep(pollInterval, stop);
+        wait.sleep(pollInterval, processing(fileName), stop);
     }
 }
 

@@ -13,6 +13,7 @@
 #include "ASCKit/ASCClient.h"
 #include "ASCKit/Resources/AssetLibraryRefData.h"
 #include "KestrinCore/Clock.h"
+#include "KestrinCore/LongWait.h"
 #include "SyncEngine/Media/LibraryIndex.h"
 #include "SyncEngine/Media/MediaResolver.h"
 #include "SyncEngine/Push/PushStep.h"
@@ -33,6 +34,7 @@ struct MediaPushContext {
     Seconds pollInterval;       // between two looks at it
     Sleep sleep;
     std::stop_token stop;  // ends the waits
+    WaitNotes waitNotes;   // how they are told of when they last
 
     // The content `md5` as an asset of the library that is ready to be placed. One that the library has under this
     // digest is taken, and waited for if need be: nothing is uploaded twice. Otherwise the file is uploaded under a name

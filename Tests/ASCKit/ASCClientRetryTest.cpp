@@ -290,5 +290,39 @@ TEST(ASCClientCancellation, ASleepThatDoesNotLookAtTheStopEndsTheRunToo) {
     EXPECT_EQ(outcomeOf([&] { return client.data(request(HTTPMethod::get)); }), "cancelled");
 }
 
+// --- Waits that are told
+
+constexpr const char* kAsked = "App Store Connect asked to wait before the next try";
+constexpr const char* kNoAnswer = "App Store Connect didn’t answer as it should; waiting before the next try";
+
+std::string told(const char* what, int minutes) {
+    return std::string(what) + " " + std::to_string(minutes);
+}
+
+TEST(ASCClientRetry, AWaitThatTheServiceAsksForIsToldEachMinute) {
+    ToldWaits waits;
+    ScriptedClient world({reply(429, "", {{"Retry-After", "150"}}), reply(200)}, &waits);
+    outcomeOfRequest(world);
+    EXPECT_EQ(waits.lines, (std::vector{told(kAsked, 1), told(kAsked, 2)}));
+    EXPECT_EQ(world.time.slept, (Slept{60s, 60s, 30s}));
+}
+
+TEST(ASCClientRetry, AllWaitsOfARequestAreOneWait) {
+    ToldWaits waits;
+    ScriptedClient world(joined(times(2, reply(503, "", {{"Retry-After", "29"}})), {reply(500), reply(200)}),
+                         &waits);
+    outcomeOfRequest(world);
+    EXPECT_EQ(waits.lines, std::vector{told(kNoAnswer, 1)}) << "58 seconds and the 4 of the third backoff";
+}
+
+TEST(ASCClientRetry, TheWaitOfTheNextRequestBeginsAnew) {
+    ToldWaits waits;
+    const auto asked = reply(503, "", {{"Retry-After", "50"}});
+    ScriptedClient world({asked, reply(200), asked, reply(200)}, &waits);
+    outcomeOfRequest(world);
+    outcomeOfRequest(world);
+    EXPECT_TRUE(waits.lines.empty());
+}
+
 }  // namespace
 }  // namespace kestrin

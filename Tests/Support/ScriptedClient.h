@@ -11,6 +11,7 @@
 #include "Tests/Support/FakeTime.h"
 #include "Tests/Support/ScriptedTransport.h"
 #include "Tests/Support/TestCredential.h"
+#include "Tests/Support/ToldWaits.h"
 
 namespace kestrin {
 
@@ -24,9 +25,10 @@ struct ScriptedClient {
     std::stop_source stopSource;
     ASCClient client;
 
-    explicit ScriptedClient(std::vector<ScriptedTransport::Step> script = {})
+    // With `told`, long waits are written down there, and slept minute by minute.
+    explicit ScriptedClient(std::vector<ScriptedTransport::Step> script = {}, ToldWaits* told = nullptr)
         : server(std::make_shared<ScriptedTransport>(std::move(script))),
-          client(TokenProvider(JWTSigner(testCredential()), time.clock()), server, options()) {}
+          client(TokenProvider(JWTSigner(testCredential()), time.clock()), server, options(told)) {}
 
     // The `n`th request, counted from 0, without the root: "GET /v1/apps?limit=200".
     std::string line(std::size_t n) const {
@@ -55,13 +57,14 @@ struct ScriptedClient {
     }
 
  private:
-    ASCClient::Options options() {
+    ASCClient::Options options(ToldWaits* told) {
         ASCClient::Options options;
         options.retryPolicy.jitter = [](Seconds delay) { return delay; };
         options.root = URL::parse(kRoot);
         options.now = time.clock();
         options.sleep = time.sleep();
         options.stop = stopSource.get_token();
+        if (told) options.waitNotes = told->notes(time);
         return options;
     }
 };

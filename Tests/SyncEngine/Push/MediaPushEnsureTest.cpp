@@ -314,5 +314,15 @@ TEST(MediaPushWaiting, AStopEndsTheWait) {
     EXPECT_EQ(world.server->sent.size(), 1u);
 }
 
+TEST(MediaPushWaiting, IsToldEachMinuteByTheNameOfTheFile) {
+    MediaPushWorld world(times(30, assetIn("UPLOAD_COMPLETE")));
+    world.server->then(assetIn("COMPLETE"));
+    ToldWaits told;
+    world.context.waitNotes = told.notes(world.time);
+    world.context.waitUntilProcessed("A", Kind::image, "a.png", world.client);
+    EXPECT_EQ(told.lines, (std::vector<std::string>{"App Store Connect is still processing a.png 1",
+                                                    "App Store Connect is still processing a.png 2"}));
+}
+
 }  // namespace
 }  // namespace kestrin
