@@ -50,7 +50,7 @@ constexpr Command kCommands[] = {
     {"pull",    "",         atLeast(2),            "pull needs a project path",                                     SyncCommands::pull},
     {"diff",    "",         exactly(2),            "diff needs exactly one project path",                           SyncCommands::diff},
     {"verify",  "",         exactly(2),            "verify needs exactly one project path",                         SyncCommands::verify},
-    {"push",    "",         atLeast(2),            "push needs a project path",                                     nullptr},
+    {"push",    "",         atLeast(2),            "push needs a project path",                                     SyncCommands::push},
     {"build",   "upload",   atLeast(4),            "usage: kestrin build upload <project.kestrin> <file.ipa|.pkg>", nullptr},
     {"build",   "list",     atLeast(3),            "usage: kestrin build list <project.kestrin>",                   nullptr},
     {"build",   "attach",   atLeast(4),            "usage: kestrin build attach <project.kestrin> <build number>",  nullptr},

@@ -2,13 +2,19 @@
 
 #include <fmt/format.h>
 
+#include <set>
+
 #include "KestrinCLI/ChangePrinting.h"
 #include "KestrinCLI/ClientAccess.h"
+#include "KestrinCLI/Confirmation.h"
+#include "KestrinCLI/Failure.h"
 #include "KestrinCLI/ProjectAccess.h"
 #include "KestrinCLI/ProjectReview.h"
+#include "KestrinCLI/Waiting.h"
 #include "KestrinCLI/Wording.h"
 #include "KestrinModel/ProjectPackageFile.h"
 #include "SyncEngine/Pull/ProjectPuller.h"
+#include "SyncEngine/Push/ProjectPusher.h"
 
 namespace kestrin::SyncCommands {
 namespace {
@@ -28,6 +34,66 @@ void printPulled(const PullResult& result, const std::string& package, bool took
     console.print(fmt::format("  {} conflicts ({}):", result.conflicts.size(),
                               tookRemote ? "took App Store Connect's" : "kept local"));
     for (const auto& conflict : result.conflicts) console.print("    " + conflict.key.id());
+}
+
+// The keys to be sent. A filter of locales leaves alone what has no locale.
+std::set<ContentKey> selectionOf(const ChangeSet& set, const Arguments& args) {
+    const auto locales = localesOption(args);
+    std::set<ContentKey> selection;
+    const auto select = [&](const std::vector<Change>& candidates) {
+        for (const auto& change : candidates) {
+            const auto locale = change.key.locale();
+            if (!locales || !locale || locales->contains(*locale)) selection.insert(change.key);
+        }
+    };
+    select(set.changes);
+    if (hasFlag("--include-conflicts", args)) select(set.conflicts);
+    return selection;
+}
+
+void printPlan(const std::vector<PushStep>& steps, std::size_t values, std::size_t requests,
+               const std::optional<RateLimitStatus>& rateLimit, Console& console) {
+    const auto left = rateLimit ? fmt::format(", {} left this hour", rateLimit->remaining) : "";
+    console.print("");
+    console.print(
+        fmt::format("Plan: {} writes for {} values (~{} requests{}).", steps.size(), values, requests, left));
+    for (const auto& step : steps) console.print("  " + describe(step));
+}
+
+void printEvent(const PushEvent& event, Console& console) {
+    std::visit(
+        Overloaded{
+            [](const PushEvent::Started&) {},
+            [&](const PushEvent::Finished& e) { console.print("  ✓ " + describe(e.step)); },
+            [&](const PushEvent::Failed& e) { console.print("  ✗ " + describe(e.step) + ": " + e.message); },
+        },
+        event.kind);
+}
+
+int printPushed(const PushResult& result, Console& console) {
+    if (result.isVerified()) {
+        console.print(fmt::format("✓ Pushed and verified {} writes.", result.completed.size()));
+        return 0;
+    }
+    console.print("Pushed, but App Store Connect reads back differently for:");
+    for (const auto& [key, got, sent] : result.mismatches)
+        console.print(fmt::format("  {}: sent {}, got {}", key.id(), preview(sent), preview(got)));
+    return 1;
+}
+
+PushResult pushed(ProjectReview& reviewed, const std::set<ContentKey>& selection, std::size_t total,
+                  Console& console) {
+    ProjectPusher::Waiting waiting;
+    waiting.sleep = commandSleep();
+    waiting.notes = waitNotes(console);
+    ProjectPusher pusher(reviewed.client, ProjectStateStore::commandLine(), std::move(waiting));
+    try {
+        return pusher.push(reviewed.project, reviewed.review, selection, reviewed.locate,
+                           [&](const PushEvent& event) { printEvent(event, console); });
+    } catch (const PushFailure& failure) {
+        fail(fmt::format("stopped after {} of {} writes: {}. Run push again to send the rest.",
+                         failure.completed.size(), total, failure.errorDescription()));
+    }
 }
 
 }  // namespace
@@ -65,6 +131,24 @@ int verify(const Arguments& args, Console& console) {
     printChangeSet(changes, console);
     console.print("✗ App Store Connect doesn't match the project.");
     return 1;
+}
+
+int push(const Arguments& args, Console& console) {
+    auto reviewed = reviewProject(args[1], console);
+    const auto& review = reviewed.review;
+    const auto selection = selectionOf(review.changeSet, args);
+    printChangeSet(review.changeSet, console);
+    const auto steps = review.steps(selection);
+    if (steps.empty()) {
+        console.print("Nothing to push.");
+        return review.changeSet.conflicts.empty() ? 0 : 1;
+    }
+    printPlan(steps, selection.size(), review.estimatedRequests(selection), review.rateLimit, console);
+    if (!Confirmation::isGiven(Confirmation::pushQuestion(), args, console)) {
+        console.print(Confirmation::nothingPushed);
+        return 1;
+    }
+    return printPushed(pushed(reviewed, selection, steps.size(), console), console);
 }
 
 }  // namespace kestrin::SyncCommands

@@ -176,7 +176,6 @@ TEST(Dispatch, SaysOfACommandThatItIsNotAvailableYet) {
         const char* words;
     };
     const Row rows[] = {
-        {{"push", "p", "--extra"}, "push"},
         {{"build", "upload", "p", "f"}, "build upload"},
         {{"build", "list", "p"}, "build list"},
         {{"build", "attach", "p", "1"}, "build attach"},
