@@ -7,6 +7,7 @@
 
 #include "Sandbox/Document.h"
 #include "Sandbox/Refusal.h"
+#include "Sandbox/Resources/Reviewing.h"
 #include "Sandbox/Resources/States.h"
 #include "Sandbox/Schema.h"
 #include "Sandbox/Seed.h"
@@ -209,6 +210,27 @@ HTTPReply revokeKey(TokenVerifier& tokens, const std::string& keyID) {
     return noContent();
 }
 
+Verdict verdictOf(const Json& body) {
+    const auto word = body.value("verdict", Json());
+    if (word == "begin") return Verdict::begin;
+    if (word == "approve") return Verdict::approve;
+    if (word == "reject") return Verdict::reject;
+    reject("'verdict' must be begin, approve or reject");
+}
+
+HTTPReply review(State& state, const HTTPRequest& request) {
+    const auto body = bodyOf(request);
+    checkMembers(body, {"verdict"});
+    const auto verdict = verdictOf(body);
+    auto submissions = selected(state, "reviewSubmissions", request);
+    std::erase_if(submissions, [](const Resource* each) {
+        return each->text("state") != "WAITING_FOR_REVIEW" && each->text("state") != "IN_REVIEW";
+    });
+    if (submissions.empty()) notThere("review submission that is with App Review");
+    for (auto* submission : submissions) judge(state, *submission, verdict);
+    return listed(submissions);
+}
+
 HTTPReply answerLog(RequestLog& log, const HTTPRequest& request) {
     if (request.method == "DELETE") log.clear();
     return jsonReply(200, log.toJSON());
@@ -224,6 +246,7 @@ HTTPReply answerControl(const ControlDesk& desk, const HTTPRequest& request) {
     if (head == "resources") return answerResources(desk.state, rest, request);
     if (head == "keys" && request.method == "DELETE") return revokeKey(desk.tokens, rest);
     if (path == "state") return answerState(desk.state, request);
+    if (path == "review" && request.method == "POST") return review(desk.state, request);
     if (path == "log") return answerLog(desk.log, request);
     if (path == "faults") return answerFaults(desk.faults, request);
     if (path == "settings" && request.method == "PATCH") return changeSettings(desk, request);

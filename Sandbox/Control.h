@@ -8,6 +8,8 @@
 //     PATCH  /sandbox/resources/TYPE?PATH=VALUE changes them: {"attributes": {…}, "relationships": {…}}
 //     DELETE /sandbox/resources/TYPE?PATH=VALUE removes them with what they own
 //     POST   /sandbox/resources/TYPE            adds one: {"id", "attributes", "relationships"}, all optional
+//     POST   /sandbox/review?PATH=VALUE         {"verdict": "begin", "approve" or "reject"} on every submission that
+//                                               is with App Review
 //     GET    /sandbox/log                       every request so far
 //     DELETE /sandbox/log
 //     GET    /sandbox/faults                    one line each

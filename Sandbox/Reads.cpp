@@ -77,6 +77,15 @@ Endpoint readEndpoint(std::string path, QueryRules rules, std::string type) {
             }};
 }
 
+Endpoint afterwards(std::function<void(State&, const Call&)> first, Endpoint endpoint) {
+    endpoint.handler = [first = std::move(first), then = std::move(endpoint.handler)](State& state,
+                                                                                      const Call& call) {
+        first(state, call);
+        return then(state, call);
+    };
+    return endpoint;
+}
+
 Resource& named(State& state, const std::string& type, const Call& call) {
     if (auto* resource = state.store.find(type, call.id)) return *resource;
     throw Refusal(refusals::notFound(type, call.id));

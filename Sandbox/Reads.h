@@ -29,6 +29,9 @@ Endpoint listEndpoint(std::string path, QueryRules rules, Listing listing);
 // GET of the resource of that type that the path names.
 Endpoint readEndpoint(std::string path, QueryRules rules, std::string type);
 
+// The same endpoint, its handler called after `first`.
+Endpoint afterwards(std::function<void(State&, const Call&)> first, Endpoint endpoint);
+
 // The resource that the path names. Throws Refusal 404.
 Resource& named(State& state, const std::string& type, const Call& call);
 

@@ -61,6 +61,7 @@ Service::Service(Settings settings)
     addPlacementEndpoints(router_);
     addRefDataEndpoints(router_);
     addReviewSubmissionEndpoints(router_);
+    addBuildUploadEndpoints(router_);
 }
 
 Answer Service::answer(const HTTPRequest& request) {

@@ -35,6 +35,8 @@ struct Settings {
     std::uint64_t uploadPartSize = 5 * 1024 * 1024;
     // A file whose name holds one of these texts ends in FAILED, whatever is in it.
     std::vector<std::string> unprocessableNames{"unprocessable"};
+    // A build whose file's name holds one of these is taken with a warning.
+    std::vector<std::string> questionableNames{"questionable"};
     // Whether the content of media decides: a picture or film that fits no specification ends in FAILED.
     bool inspectsMedia = true;
 

@@ -58,14 +58,22 @@ Json Uploads::operations(const Ref& owner, const std::string& root, bool forBuil
     return list;
 }
 
-std::optional<std::string> Uploads::content(const Ref& owner) const {
+std::optional<std::vector<const std::string*>> Uploads::parts(const Ref& owner) const {
     const auto found = uploads_.find(owner);
     if (found == uploads_.end()) return std::nullopt;
-    std::string content;
+    std::vector<const std::string*> parts;
     for (const auto& part : found->second.parts) {
         if (!part.bytes) return std::nullopt;
-        content += *part.bytes;
+        parts.push_back(&*part.bytes);
     }
+    return parts;
+}
+
+std::optional<std::string> Uploads::content(const Ref& owner) const {
+    const auto whole = parts(owner);
+    if (!whole) return std::nullopt;
+    std::string content;
+    for (const auto* part : *whole) content += *part;
     return content;
 }
 

@@ -30,7 +30,9 @@ class Uploads {
     // operations of a build file have besides.
     Json operations(const Ref& owner, const std::string& root, bool forBuild) const;
 
-    // The file, when every part is there whole; nullopt otherwise.
+    // The parts in their order, when every one is there whole; nullopt otherwise. They live until `close`.
+    std::optional<std::vector<const std::string*>> parts(const Ref& owner) const;
+    // The same as one piece.
     std::optional<std::string> content(const Ref& owner) const;
 
     // No part can be sent any more, and the bytes are forgotten.

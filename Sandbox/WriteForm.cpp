@@ -309,6 +309,24 @@ const Ref* Write::optionalRef(const std::string& relationship) const {
     return found == one.end() || !found->second ? nullptr : &*found->second;
 }
 
+const Ref& Write::onlyRef(const std::vector<std::string>& relationships) const {
+    const Ref* given = nullptr;
+    for (const auto& relationship : relationships) {
+        const auto* other = optionalRef(relationship);
+        if (other == nullptr) continue;
+        if (given != nullptr) {
+            throw Refusal(refusals::relationship(
+                "INVALID", relationship,
+                fmt::format("Only one of {} can be given", fmt::join(relationships, ", "))));
+        }
+        given = other;
+    }
+    if (given != nullptr) return *given;
+    throw Refusal(
+        refusals::relationship("REQUIRED", relationships.front(),
+                               fmt::format("One of {} is required", fmt::join(relationships, ", "))));
+}
+
 std::string Write::text(const std::string& attribute) const {
     const auto found = attributes.find(attribute);
     return found != attributes.end() && found->is_string() ? found->get<std::string>() : std::string();

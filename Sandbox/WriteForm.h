@@ -59,6 +59,8 @@ struct Write {
     const Ref& ref(const std::string& relationship) const;
     // nullptr when it wasn't given or is cleared.
     const Ref* optionalRef(const std::string& relationship) const;
+    // The one of those that was given. Throws Refusal 409 for none and for more than one.
+    const Ref& onlyRef(const std::vector<std::string>& relationships) const;
     // "" when it wasn't given or is null.
     std::string text(const std::string& attribute) const;
     bool has(const std::string& attribute) const { return attributes.contains(attribute); }

@@ -2,6 +2,7 @@
 #include "Sandbox/Reads.h"
 #include "Sandbox/Refusal.h"
 #include "Sandbox/Resources/Endpoints.h"
+#include "Sandbox/Resources/Processing.h"
 #include "Sandbox/Resources/Values.h"
 #include "Sandbox/WriteForm.h"
 
@@ -87,11 +88,22 @@ HTTPReply updateBuild(State& state, const Call& call) {
     return singleReply(state, call, build);
 }
 
+// A list is one reading of every build that is on its way.
+void processBuilds(State& state, const Call&) {
+    for (auto* build : state.store.all("builds")) processBuild(state, *build);
+}
+
+HTTPReply readBuild(State& state, const Call& call) {
+    auto& build = named(state, "builds", call);
+    processBuild(state, build);
+    return singleReply(state, call, build);
+}
+
 }  // namespace
 
 void addBuildEndpoints(Router& router) {
-    router.add(listEndpoint("/v1/builds", buildListRules(), {.type = "builds"}));
-    router.add(readEndpoint("/v1/builds/{id}", buildRules(), "builds"));
+    router.add(afterwards(processBuilds, listEndpoint("/v1/builds", buildListRules(), {.type = "builds"})));
+    router.add({"GET", "/v1/builds/{id}", buildRules(), readBuild});
     router.add({"PATCH", "/v1/builds/{id}", {}, updateBuild});
 }
 

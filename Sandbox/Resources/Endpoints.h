@@ -17,5 +17,6 @@ void addAssetLibraryEndpoints(Router& router);
 void addPlacementEndpoints(Router& router);
 void addRefDataEndpoints(Router& router);
 void addReviewSubmissionEndpoints(Router& router);
+void addBuildUploadEndpoints(Router& router);
 
 }  // namespace kestrin::sandbox

@@ -130,26 +130,13 @@ HTTPReply updateExperiment(State& state, const Call& call) {
     return singleReply(state, call, experiment);
 }
 
-// Exactly one of the two names of the same relationship.
-const Ref& experimentOf(const Write& write) {
-    const auto* now = write.optionalRef(kExperiment);
-    const auto* old = write.optionalRef(kOldExperiment);
-    if (now != nullptr && old != nullptr) {
-        throw Refusal(refusals::relationship("INVALID", kOldExperiment, "A treatment is of one test"));
-    }
-    if (now == nullptr && old == nullptr) {
-        throw Refusal(refusals::relationship("REQUIRED", kExperiment, "A treatment is of a test"));
-    }
-    return now != nullptr ? *now : *old;
-}
-
 HTTPReply createTreatment(State& state, const Call& call) {
     static const WriteForm form{.type = kTreatments,
                                 .attributes = {kName, kIcon},
                                 .relationships = {{.name = kExperiment, .type = kExperiments},
                                                   {.name = kOldExperiment, .type = kExperiments}}};
     const auto write = readCreate(call.request.body, form, state.store);
-    const auto& experiment = experimentOf(write);
+    const auto& experiment = write.onlyRef({kExperiment, kOldExperiment});
     requireEditableExperiment(state.store.at(experiment));
     if (state.store.pointing(kTreatments, kExperiment, experiment.id).size() >= kTreatmentsPerExperiment) {
         throw Refusal(refusals::relationship(

@@ -53,25 +53,6 @@ std::vector<RelationshipRule> surfaceRules() {
     return rules;
 }
 
-// The one relationship of those that was given. Throws Refusal 409 for none and for more than one.
-const Ref& onlyOne(const Write& write, const std::vector<std::string>& relationships) {
-    const Ref* given = nullptr;
-    for (const auto& relationship : relationships) {
-        const auto* ref = write.optionalRef(relationship);
-        if (ref == nullptr) continue;
-        if (given != nullptr) {
-            throw Refusal(refusals::relationship(
-                "INVALID", relationship,
-                fmt::format("Only one of {} can be given", fmt::join(relationships, ", "))));
-        }
-        given = ref;
-    }
-    if (given != nullptr) return *given;
-    throw Refusal(
-        refusals::relationship("REQUIRED", relationships.front(),
-                               fmt::format("One of {} is required", fmt::join(relationships, ", "))));
-}
-
 [[noreturn]] void refuseSlot(std::string detail) {
     throw Refusal(refusals::attribute("INVALID", "placementType", std::move(detail)));
 }
@@ -129,8 +110,8 @@ HTTPReply createPlacement(State& state, const Call& call) {
         return making;
     }();
     const auto write = readCreate(call.request.body, form, state.store);
-    const auto& asset = state.store.at(onlyOne(write, {"image", "video"}));
-    const auto& localization = state.store.at(onlyOne(write, surfaceRelationships()));
+    const auto& asset = state.store.at(write.onlyRef({"image", "video"}));
+    const auto& localization = state.store.at(write.onlyRef(surfaceRelationships()));
     const auto type = write.text("placementType"), group = write.text("placementGroup");
     const auto surface = surfaceOf(state, localization);
     requireEditableSurface(surface);
@@ -187,7 +168,7 @@ HTTPReply orderPlacements(State& state, const Call& call) {
         return ordering;
     }();
     const auto write = readCreate(call.request.body, form, state.store);
-    const auto& localization = state.store.at(onlyOne(write, surfaceRelationships()));
+    const auto& localization = state.store.at(write.onlyRef(surfaceRelationships()));
     requireEditableSurface(surfaceOf(state, localization));
     const auto& order = write.many.at("orderedPlacements");
     checkOrdered(state, order, localization, write.text("placementGroup"));

@@ -1,5 +1,7 @@
 #include "Sandbox/Resources/Processing.h"
 
+#include <algorithm>
+
 #include "Sandbox/MediaFile.h"
 
 namespace kestrin::sandbox {
@@ -11,6 +13,11 @@ void fail(Resource& asset, const std::string& why) {
     asset.attributes["state"] = "FAILED";
     asset.attributes["stateDetails"] =
         Json::array({{{"code", "MEDIA_PROCESSING_FAILED"}, {"description", why}}});
+}
+
+bool holdsOneOf(const std::string& text, const std::vector<std::string>& parts) {
+    return std::any_of(parts.begin(), parts.end(),
+                       [&](const std::string& part) { return text.find(part) != std::string::npos; });
 }
 
 // The specification that the bytes meet; "" with the reason when there is none.
@@ -51,10 +58,16 @@ void beginProcessing(Resource& resource) {
 }
 
 bool isUnprocessable(const State& state, const std::string& fileName) {
-    for (const auto& part : state.settings.unprocessableNames) {
-        if (fileName.find(part) != std::string::npos) return true;
-    }
-    return false;
+    return holdsOneOf(fileName, state.settings.unprocessableNames);
+}
+
+bool isQuestionable(const State& state, const std::string& fileName) {
+    return holdsOneOf(fileName, state.settings.questionableNames);
+}
+
+void processBuild(const State& state, Resource& build) {
+    if (build.text("processingState") != "PROCESSING" || !isDue(state, build)) return;
+    build.attributes["processingState"] = "VALID";
 }
 
 void processAsset(State& state, Resource& asset) {

@@ -13,8 +13,12 @@ bool isDue(const State& state, Resource& resource);
 // The same from the beginning.
 void beginProcessing(Resource& resource);
 
-// Whether a file of that name is one that the settings let fail.
+// Whether a file of that name is one that the settings let fail, or take with a warning.
 bool isUnprocessable(const State& state, const std::string& fileName);
+bool isQuestionable(const State& state, const std::string& fileName);
+
+// Moves a build in PROCESSING on, when it is due: to VALID.
+void processBuild(const State& state, Resource& build);
 
 // Moves an asset in UPLOAD_COMPLETE on, when it is due: to PREPARE_FOR_SUBMISSION or FAILED, by what its bytes are.
 void processAsset(State& state, Resource& asset);

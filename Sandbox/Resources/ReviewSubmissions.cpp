@@ -1,14 +1,12 @@
-// A submission is opened, filled and sent; what is in it goes along from state to state. What happens after that is
-// for App Review, and here for whoever changes the sandbox's state by hand.
 #include <fmt/format.h>
-
-#include <algorithm>
 
 #include "Sandbox/Document.h"
 #include "Sandbox/Reads.h"
 #include "Sandbox/Refusal.h"
 #include "Sandbox/Resources/Endpoints.h"
 #include "Sandbox/Resources/Localizations.h"
+#include "Sandbox/Resources/Processing.h"
+#include "Sandbox/Resources/Reviewing.h"
 #include "Sandbox/Resources/States.h"
 #include "Sandbox/Resources/Values.h"
 #include "Sandbox/WriteForm.h"
@@ -18,22 +16,7 @@ namespace {
 
 constexpr const char* kSubmissions = "reviewSubmissions";
 constexpr const char* kItems = "reviewSubmissionItems";
-constexpr const char* kVersions = "appStoreVersions";
-constexpr const char* kReady = "READY_FOR_REVIEW";
-constexpr const char* kWaiting = "WAITING_FOR_REVIEW";
-
-// What can be sent to App Review.
-struct Thing {
-    const char* relationship;  // of an item
-    const char* type;
-    const char* state;  // its attribute
-    const char* app;    // the path to its app's id
-};
-constexpr Thing kThings[] = {
-    {"appStoreVersion", kVersions, "appVersionState", "app.id"},
-    {"appCustomProductPageVersion", "appCustomProductPageVersions", "state", "appCustomProductPage.app.id"},
-    {"appStoreVersionExperimentV2", "appStoreVersionExperiments", "state", "app.id"},
-};
+constexpr const char* kOldExperiment = "appStoreVersionExperiment";  // the first API's name of the same
 
 QueryRules submissionListRules() {
     QueryRules rules;
@@ -46,22 +29,22 @@ QueryRules submissionListRules() {
 
 QueryRules itemListRules() {
     QueryRules rules;
-    rules.includes = {"appStoreVersion", "appCustomProductPageVersion", "appStoreVersionExperiment",
+    rules.includes = {"appStoreVersion", "appCustomProductPageVersion", kOldExperiment,
                       "appStoreVersionExperimentV2", "appEvent"};
-    rules.fields = {kItems, kVersions, "appCustomProductPageVersions", "appStoreVersionExperiments",
+    rules.fields = {kItems, "appStoreVersions", "appCustomProductPageVersions", "appStoreVersionExperiments",
                     "appEvents"};
     return rules;
 }
 
-[[noreturn]] void refuseState(std::string detail, Json meta = nullptr) {
-    auto item = refusals::state("ENTITY_STATE_INVALID", std::move(detail));
-    item.meta = std::move(meta);
-    throw Refusal(std::move(item));
+// Taking things back takes a while.
+void finishCancelling(State& state, Resource& submission) {
+    if (submission.text("state") == "CANCELING" && isDue(state, submission)) {
+        submission.attributes["state"] = "COMPLETE";
+    }
 }
 
-// Not sent yet, or sent back.
-bool isOpen(const Resource& submission) {
-    return submission.text("state") == kReady || submission.text("state") == "UNRESOLVED_ISSUES";
+void finishCancellings(State& state, const Call&) {
+    for (auto* submission : state.store.all(kSubmissions)) finishCancelling(state, *submission);
 }
 
 HTTPReply createSubmission(State& state, const Call& call) {
@@ -69,173 +52,154 @@ HTTPReply createSubmission(State& state, const Call& call) {
                                 .attributes = {{.name = "platform", .values = kPlatforms}},
                                 .relationships = {{.name = "app", .type = "apps", .need = Need::required}}};
     const auto write = readCreate(call.request.body, form, state.store);
-    const auto& app = write.ref("app");
-    for (const auto* other : state.store.pointing(kSubmissions, "app", app.id)) {
-        if (other->text("platform") == write.text("platform") && other->text("state") == kReady) {
-            refuseState("A submission of the platform is being put together already");
-        }
+    for (const auto* other : state.store.pointing(kSubmissions, "app", write.ref("app").id)) {
+        if (other->text("platform") != write.text("platform")) continue;
+        if (other->text("state") != "READY_FOR_REVIEW") continue;
+        throw Refusal(refusals::state(
+            "ENTITY_STATE_INVALID",
+            fmt::format("The review submission '{}' of the platform isn't sent yet", other->id())));
     }
-    auto& submission = state.store.add(kSubmissions, write.attributes, {{"app", app}});
-    submission.attributes["state"] = kReady;
-    submission.attributes["submittedDate"] = nullptr;
+    auto& submission = state.store.add(kSubmissions, write.attributes, {{"app", write.ref("app")}});
+    submission.attributes["state"] = "READY_FOR_REVIEW";
     return createdReply(state, call, submission);
+}
+
+bool takesItems(const Resource& submission) {
+    const auto current = submission.text("state");
+    return current == "READY_FOR_REVIEW" || current == "UNRESOLVED_ISSUES";
+}
+
+// A thing is in one submission at a time, until that is done with it.
+void requireNotSubmitted(State& state, const Resource& thing, const std::string& relationship) {
+    for (const auto* item : state.store.pointing(kItems, relationship, thing.id())) {
+        const auto itemState = item->text("state");
+        if (itemState == "APPROVED" || itemState == "REMOVED") continue;
+        throw Refusal(
+            refusals::state("ITEM_PART_OF_ANOTHER_SUBMISSION",
+                            fmt::format("{} '{}' was added to the review submission '{}' already",
+                                        thing.type(), thing.id(), item->relatedID("reviewSubmission"))));
+    }
+}
+
+void requireFits(const State& state, const Resource& submission, const Resource& thing,
+                 const std::string& relationship) {
+    const auto platform = thing.text("platform");
+    const bool isOfPlatform = platform.empty() || platform == submission.text("platform");
+    if (isOfPlatform && appOf(state, thing) == submission.related.at("app")) return;
+    throw Refusal(refusals::relationship("INVALID", relationship,
+                                         "The item is of another app or platform than its submission"));
 }
 
 WriteForm itemForm() {
     WriteForm form{
         .type = kItems,
-        .relationships = {{.name = "reviewSubmission", .type = kSubmissions, .need = Need::required}}};
-    for (const auto& thing : kThings) form.relationships.push_back({thing.relationship, thing.type});
+        .relationships = {{.name = "reviewSubmission", .type = kSubmissions, .need = Need::required},
+                          {.name = kOldExperiment, .type = "appStoreVersionExperiments"}}};
+    for (const auto& kind : reviewedKinds()) {
+        form.relationships.push_back({.name = kind.relationship, .type = kind.type});
+    }
     return form;
 }
 
-// Exactly one thing stands in an item.
-const Thing& thingOf(const Write& write) {
-    const Thing* found = nullptr;
-    for (const auto& thing : kThings) {
-        if (write.optionalRef(thing.relationship) == nullptr) continue;
-        if (found != nullptr) {
-            throw Refusal(
-                refusals::relationship("INVALID", thing.relationship, "An item is one thing to review"));
-        }
-        found = &thing;
-    }
-    if (found != nullptr) return *found;
-    throw Refusal(
-        refusals::relationship("REQUIRED", kThings[0].relationship, "An item is a thing to review"));
+std::vector<std::string> itemRelationships() {
+    std::vector<std::string> names;
+    for (const auto& kind : reviewedKinds()) names.push_back(kind.relationship);
+    names.emplace_back(kOldExperiment);
+    return names;
 }
 
-void requireSameApp(const State& state, const Thing& thing, const Resource& subject,
-                    const Resource& submission) {
-    const auto apps = state.store.valuesAt(subject, thing.app);
-    const auto platform = subject.text("platform");
-    const bool fits = apps.size() == 1 && apps.front() == submission.relatedID("app") &&
-                      (platform.empty() || platform == submission.text("platform"));
-    if (fits) return;
-    throw Refusal(refusals::relationship("INVALID", thing.relationship,
-                                         "It is not of the submission's app and platform"));
-}
-
-void requireFree(const State& state, const Thing& thing, const Resource& subject) {
-    for (const auto* item : state.store.pointing(kItems, thing.relationship, subject.id())) {
-        const auto& submission = *state.store.find(item->related.at("reviewSubmission"));
-        if (submission.text("state") == "COMPLETE") continue;
-        throw Refusal(
-            refusals::relationship("INVALID.DUPLICATE", thing.relationship, "It is in a submission already"));
-    }
-}
-
-// The app info that goes along with a version; nullptr when it is on sale already.
-Resource* appInfoOf(State& state, const Resource& version) {
-    const auto infos = state.store.pointing("appInfos", "app", version.relatedID("app"));
-    const bool isOnSale = infos.empty() || infos.back()->text("state") == "READY_FOR_DISTRIBUTION";
-    return isOnSale ? nullptr : infos.back();
-}
-
-void moveTo(State& state, const Thing& thing, Resource& subject, const std::string& newState) {
-    if (subject.type() != kVersions) {
-        subject.attributes[thing.state] = newState;
-        return;
-    }
-    if (auto* info = appInfoOf(state, subject)) setAppInfoState(*info, newState);
-    setVersionState(subject, newState);
+const std::string& relationshipTo(const Resource& thing) {
+    const auto& kinds = reviewedKinds();
+    return std::find_if(kinds.begin(), kinds.end(),
+                        [&](const auto& kind) { return kind.type == thing.type(); })
+        ->relationship;
 }
 
 HTTPReply createItem(State& state, const Call& call) {
     static const auto form = itemForm();
     const auto write = readCreate(call.request.body, form, state.store);
-    const auto& thing = thingOf(write);
-    auto& submission = state.store.at(write.ref("reviewSubmission"));
-    auto& subject = state.store.at(write.ref(thing.relationship));
-    if (!isOpen(submission)) refuseState("The submission has been sent");
-    requireSameApp(state, thing, subject, submission);
-    requireFree(state, thing, subject);
-    requireEditable(subject, thing.state, "thing to review");
-    auto& item = state.store.add(kItems, {{"state", kReady}},
-                                 {{"reviewSubmission", submission.ref}, {thing.relationship, subject.ref}});
-    if (subject.type() == kVersions) state.store.relate(submission, "appStoreVersionForReview", subject.ref);
-    moveTo(state, thing, subject, kReady);
+    const auto& submission = state.store.at(write.ref("reviewSubmission"));
+    auto& thing = state.store.at(write.onlyRef(itemRelationships()));
+    const auto& relationship = relationshipTo(thing);
+    if (!takesItems(submission)) {
+        throw Refusal(refusals::state(
+            "ENTITY_STATE_INVALID",
+            fmt::format("The review submission takes no more items: {}", submission.text("state"))));
+    }
+    requireFits(state, submission, thing, relationship);
+    requireNotSubmitted(state, thing, relationship);
+    requireEditable(thing, thing.type() == "appStoreVersions" ? "appVersionState" : "state", "item");
+    requireComplete(state, thing);
+    const auto& item = state.store.add(kItems, {{"state", "READY_FOR_REVIEW"}},
+                                       {{"reviewSubmission", submission.ref}, {relationship, thing.ref}});
+    setReviewState(state, thing, "READY_FOR_REVIEW");
     return createdReply(state, call, item);
 }
 
-// What App Review needs of a version, as the items of an error.
-class VersionNeeds {
- public:
-    VersionNeeds(const State& all, const Resource& subject) : state_(all), version_(subject) {
-        lookAtBuild();
-        for (const auto* localization :
-             state_.store.pointing("appStoreVersionLocalizations", "appStoreVersion", version_.id())) {
-            for (const auto* name : {"description", "keywords", "supportUrl"}) {
-                if (localization->text(name).empty()) need(*localization, name);
-            }
-        }
-    }
-
-    // {"/v1/appStoreVersions/ver-1": [errors]}; null when nothing is missing.
-    const Json& missing() const { return missing_; }
-
- private:
-    void lookAtBuild() {
-        const auto id = version_.relatedID("build");
-        const auto* build = id.empty() ? nullptr : state_.store.find("builds", id);
-        if (build == nullptr) {
-            need(version_, "build");
-        } else if (build->attributes.value("usesNonExemptEncryption", Json()).is_null()) {
-            need(*build, "usesNonExemptEncryption");
-        }
-    }
-
-    void need(const Resource& resource, const std::string& name) {
-        const auto item =
-            refusals::attribute("REQUIRED", name, fmt::format("You must provide a value for '{}'", name));
-        missing_[fmt::format("/v1/{}/{}", resource.type(), resource.id())].push_back(
-            errorObject(item, resource.id() + "-" + name));
-    }
-
-    const State& state_;
-    const Resource& version_;
-    Json missing_;
+// An item that App Review has yet to decide on, and the thing that it names.
+struct Pending {
+    Resource& item;
+    Resource& thing;
 };
 
-struct Subject {
-    const Thing& thing;
-    Resource& resource;
-};
-
-std::vector<Subject> subjectsOf(State& state, const Resource& submission) {
-    std::vector<Subject> subjects;
-    for (const auto* item : state.store.pointing(kItems, "reviewSubmission", submission.id())) {
-        for (const auto& thing : kThings) {
-            const auto related = item->related.find(thing.relationship);
-            if (related != item->related.end()) subjects.push_back({thing, state.store.at(related->second)});
-        }
+std::vector<Pending> pendingItems(State& state, const Resource& submission) {
+    std::vector<Pending> pending;
+    for (auto* item : state.store.pointing(kItems, "reviewSubmission", submission.id())) {
+        const auto itemState = item->text("state");
+        auto* thing = reviewedBy(state, *item);
+        if (thing != nullptr && itemState != "APPROVED" && itemState != "REMOVED")
+            pending.push_back({*item, *thing});
     }
-    return subjects;
+    return pending;
 }
 
-void send(State& state, Resource& submission) {
-    if (!isOpen(submission)) refuseState("The submission has been sent already");
-    const auto subjects = subjectsOf(state, submission);
-    if (subjects.empty()) refuseState("There is nothing in the submission");
-    for (const auto& [thing, subject] : subjects) {
-        if (subject.type() != kVersions) continue;
-        const VersionNeeds needs(state, subject);
-        if (!needs.missing().is_null()) {
-            refuseState("The version is not ready for review", {{"associatedErrors", needs.missing()}});
+void submit(State& state, Resource& submission) {
+    const auto items = pendingItems(state, submission);
+    if (!takesItems(submission) || items.empty()) {
+        throw Refusal(refusals::state(
+            "ENTITY_STATE_INVALID",
+            items.empty() ? "There is nothing in the review submission"
+                          : fmt::format("The review submission is {}", submission.text("state"))));
+    }
+    for (const auto& [item, thing] : items) requireComplete(state, thing);
+    for (const auto& [item, thing] : items) {
+        item.attributes["state"] = "READY_FOR_REVIEW";
+        setReviewState(state, thing, "WAITING_FOR_REVIEW");
+        if (thing.type() == "appStoreVersions") {
+            state.store.relate(submission, "appStoreVersionForReview", thing.ref);
         }
     }
-    for (const auto& [thing, subject] : subjects) moveTo(state, thing, subject, kWaiting);
-    submission.attributes["state"] = kWaiting;
     submission.attributes["submittedDate"] = state.store.date();
+    submission.attributes["state"] = "WAITING_FOR_REVIEW";
 }
 
+// Versions have a state for what was taken back; the other things are as if they had never been submitted.
 void cancel(State& state, Resource& submission) {
-    if (submission.text("state") != kWaiting) refuseState("Only a submission that waits can be canceled");
-    for (const auto& [thing, subject] : subjectsOf(state, submission)) {
-        const bool isVersion = subject.type() == kVersions;
-        moveTo(state, thing, subject, isVersion ? "DEVELOPER_REJECTED" : "PREPARE_FOR_SUBMISSION");
+    const auto current = submission.text("state");
+    if (current != "WAITING_FOR_REVIEW" && current != "IN_REVIEW" && current != "UNRESOLVED_ISSUES") {
+        throw Refusal(refusals::state("ENTITY_STATE_INVALID",
+                                      fmt::format("The review submission can't be cancelled: {}", current)));
+    }
+    for (const auto& [item, thing] : pendingItems(state, submission)) {
+        const bool isVersion = thing.type() == "appStoreVersions";
+        item.attributes["state"] = "REMOVED";
+        setReviewState(state, thing, isVersion ? "DEVELOPER_REJECTED" : "PREPARE_FOR_SUBMISSION");
     }
     submission.attributes["state"] = "CANCELING";
+    beginProcessing(submission);
+}
+
+void changePlatform(State& state, Resource& submission, const std::string& platform) {
+    if (submission.text("state") != "READY_FOR_REVIEW" || !pendingItems(state, submission).empty()) {
+        throw Refusal(refusals::attribute("INVALID.INVALID_STATE", "platform",
+                                          "The platform is fixed once there are items"));
+    }
+    submission.attributes["platform"] = platform;
+}
+
+void requireTrue(const Write& write, const char* name) {
+    if (write.attributes.value(name, Json()) != false) return;
+    throw Refusal(refusals::attribute("INVALID", name, "The value can only be true"));
 }
 
 HTTPReply updateSubmission(State& state, const Call& call) {
@@ -245,21 +209,28 @@ HTTPReply updateSubmission(State& state, const Call& call) {
                                                {.name = "canceled", .kind = Kind::truth}}};
     auto& submission = named(state, kSubmissions, call);
     const auto write = readUpdate(call.request.body, form, state.store, submission.id());
-    if (write.has("platform")) submission.attributes["platform"] = write.attributes["platform"];
-    if (write.attributes.value("submitted", Json()) == true) send(state, submission);
-    if (write.attributes.value("canceled", Json()) == true) cancel(state, submission);
+    for (const char* name : {"submitted", "canceled"}) requireTrue(write, name);
+    const bool submits = write.attributes.value("submitted", Json()) == true;
+    const bool cancels = write.attributes.value("canceled", Json()) == true;
+    if (submits && cancels) {
+        throw Refusal(refusals::attribute("INVALID", "canceled",
+                                          "A review submission is sent or cancelled, not both at once"));
+    }
+    if (!write.text("platform").empty()) changePlatform(state, submission, write.text("platform"));
+    if (submits) submit(state, submission);
+    if (cancels) cancel(state, submission);
     return singleReply(state, call, submission);
 }
 
 }  // namespace
 
 void addReviewSubmissionEndpoints(Router& router) {
-    router.add(listEndpoint("/v1/reviewSubmissions", submissionListRules(),
-                            {.type = kSubmissions, .newestFirst = true}));
-    router.add(listEndpoint("/v1/reviewSubmissions/{id}/items", itemListRules(),
-                            {.type = kItems, .parent = kSubmissions, .via = "reviewSubmission"}));
+    router.add(afterwards(finishCancellings, listEndpoint("/v1/reviewSubmissions", submissionListRules(),
+                                                          {.type = kSubmissions, .newestFirst = true})));
     router.add({"POST", "/v1/reviewSubmissions", {}, createSubmission});
     router.add({"PATCH", "/v1/reviewSubmissions/{id}", {}, updateSubmission});
+    router.add(listEndpoint("/v1/reviewSubmissions/{id}/items", itemListRules(),
+                            {.type = kItems, .parent = kSubmissions, .via = "reviewSubmission"}));
     router.add({"POST", "/v1/reviewSubmissionItems", {}, createItem});
 }
 

@@ -11,7 +11,6 @@ using testing::ElementsAre;
 
 constexpr const char* kApp = "1234567890";
 constexpr const char* kScreenshots = "APP_SCREENSHOTS_AND_PREVIEWS";
-constexpr const char* kRoot = "http://sandbox.example";
 
 Settings smallParts() {
     Settings settings;
@@ -31,20 +30,6 @@ class AssetLibrary : public SandboxFixture {
         return reserve(
             "appAssetLibraryImages",
             {{"category", kScreenshots}, {"fileName", fileName}, {"fileSize", size}, {"referenceName", "r"}});
-    }
-    Received put(const Json& operation, const std::string& bytes, HTTPHeaders headers = {}) {
-        const auto url = operation["url"].get<std::string>();
-        EXPECT_TRUE(url.starts_with(kRoot));
-        if (headers.empty()) {
-            for (const auto& header : operation["requestHeaders"])
-                headers.emplace_back(header["name"], header["value"]);
-        }
-        return sendBare({operation["method"], url.substr(std::string(kRoot).size()), headers, bytes, 1});
-    }
-    void sendAll(const Received& reserved, const std::string& bytes) {
-        for (const auto& operation : reserved.attributes()["uploadOperations"]) {
-            ASSERT_EQ(put(operation, bytes.substr(operation["offset"], operation["length"])).status, 200);
-        }
     }
     Received commit(const Received& reserved) {
         const auto type = reserved.json["data"]["type"].get<std::string>(),

@@ -91,7 +91,7 @@ const Json& Received::attributes(std::size_t index) const {
 SandboxFixture::SandboxFixture(Settings settings, const Seed& seed)
     : sandbox(withFixedClock(std::move(settings)), seed),
       authorization("Bearer " + goodToken(sandbox.credential()).token()) {
-    sandbox.service().setRoot("http://sandbox.example");
+    sandbox.service().setRoot(kRoot);
 }
 
 Received SandboxFixture::send(const std::string& method, const std::string& target, const std::string& body,
@@ -104,6 +104,22 @@ Received SandboxFixture::send(const std::string& method, const std::string& targ
         request.headers.emplace_back("Content-Length", std::to_string(body.size()));
     }
     return sendBare(request);
+}
+
+Received SandboxFixture::put(const Json& operation, const std::string& bytes, HTTPHeaders headers) {
+    const auto url = operation["url"].get<std::string>();
+    EXPECT_TRUE(url.starts_with(kRoot));
+    if (headers.empty()) {
+        for (const auto& header : operation["requestHeaders"])
+            headers.emplace_back(header["name"], header["value"]);
+    }
+    return sendBare({operation["method"], url.substr(std::string(kRoot).size()), headers, bytes, 1});
+}
+
+void SandboxFixture::sendAll(const Received& reserved, const std::string& bytes) {
+    for (const auto& operation : reserved.attributes()["uploadOperations"]) {
+        ASSERT_EQ(put(operation, bytes.substr(operation["offset"], operation["length"])).status, 200);
+    }
 }
 
 Received SandboxFixture::sendBare(const HTTPRequest& request) {

@@ -14,6 +14,7 @@
 namespace kestrin::sandbox {
 
 constexpr std::int64_t kNow = 1'780'000'000;
+constexpr const char* kRoot = "http://sandbox.example";
 
 // A JWT made here, with OpenSSL, and not by the code under test.
 struct TokenRecipe {
@@ -55,6 +56,10 @@ class SandboxFixture : public testing::Test {
     // `headers` beside Authorization and, with a body, Content-Type and Content-Length.
     Received send(const std::string& method, const std::string& target, const std::string& body = {},
                   const HTTPHeaders& headers = {});
+    // To the address of an upload operation, with its headers unless others are given.
+    Received put(const Json& operation, const std::string& bytes, HTTPHeaders headers = {});
+    // Every part of what was reserved.
+    void sendAll(const Received& reserved, const std::string& bytes);
     // Nothing is added.
     Received sendBare(const HTTPRequest& request);
 
