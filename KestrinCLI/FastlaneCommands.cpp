@@ -2,16 +2,50 @@
 
 #include <fmt/format.h>
 
-#include "KestrinCLI/Failure.h"
+#include <filesystem>
+
 #include "KestrinCLI/ProjectAccess.h"
+#include "KestrinCore/MapLookup.h"
 #include "KestrinModel/FastlaneDeliverExporter.h"
 #include "KestrinModel/FastlaneDeliverImporter.h"
 #include "KestrinModel/ProjectPackageFile.h"
+#include "SyncEngine/Media/RemoteScreenshotDownloader.h"
+#include "SyncEngine/State/ProjectStateStore.h"
 
 namespace kestrin {
 namespace {
 
-constexpr std::string_view kDownload = "--download-screenshots";
+constexpr std::size_t kDownloadsAtOnce = 4;
+
+// A folder of this run's own, gone with all that is in it when the run is.
+class DownloadFolder {
+ public:
+    DownloadFolder()
+        : path_(std::filesystem::temp_directory_path() / ("kestrin-screenshots-" + UUID::random().text())) {}
+    ~DownloadFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    DownloadFolder(const DownloadFolder&) = delete;
+    DownloadFolder& operator=(const DownloadFolder&) = delete;
+
+    const std::filesystem::path& path() const { return path_; }
+
+ private:
+    std::filesystem::path path_;
+};
+
+// The screenshots of the platform that the last pull or push saw on App Store Connect. No client is made for them:
+// their addresses are remembered, and open without a key.
+RemoteScreenshotDownloader::FilesByAsset downloadedScreenshots(const Project& project,
+                                                               const StorePlatform& platform,
+                                                               const DownloadFolder& folder,
+                                                               Console& console) {
+    const auto cached = ProjectStateStore::commandLine().remoteAssets(project.manifest.projectID);
+    const auto assets = RemoteScreenshotDownloader::assets(project, platform, cached);
+    console.note(fmt::format("Downloading {} screenshots from App Store Connect…", assets.size()));
+    return RemoteScreenshotDownloader().download(assets, folder.path(), kDownloadsAtOnce);
+}
 
 void printSummary(const FastlaneExportSummary& summary, Console& console) {
     console.print(fmt::format("Exported {} locales, {} text files and {} screenshots.", summary.localeCount,
@@ -42,14 +76,22 @@ int FastlaneCommands::importFastlane(const Arguments& args, Console& console) {
 }
 
 int FastlaneCommands::exportFastlane(const Arguments& args, Console& console) {
-    if (hasFlag(kDownload, args)) fail(fmt::format("{} isn't available in this version yet", kDownload));
     const auto package = fileURL(args[2]);
     const auto target = fileURL(option("--to", args).value());
     const auto project = ProjectPackageFile::load(package);
-    const auto noRemoteFile = [](const std::string&) { return std::nullopt; };
-    printSummary(FastlaneDeliverExporter::exportListing(project, platformOption(args), target,
-                                                        mediaLocator(package), noRemoteFile),
-                 console);
+    const auto platform = platformOption(args);
+    const DownloadFolder folder;
+    RemoteScreenshotDownloader::FilesByAsset downloaded;
+    if (hasFlag("--download-screenshots", args)) {
+        downloaded = downloadedScreenshots(project, platform, folder, console);
+    }
+    const auto remoteFile = [&](const std::string& assetID) {
+        const auto* file = valueIn(downloaded, assetID);
+        return file ? std::optional(*file) : std::nullopt;
+    };
+    printSummary(
+        FastlaneDeliverExporter::exportListing(project, platform, target, mediaLocator(package), remoteFile),
+        console);
     return 0;
 }
 

@@ -1,4 +1,5 @@
-// The commands that convert between a project package and a fastlane deliver folder; no credentials, no network.
+// The commands that convert between a project package and a fastlane deliver folder; no credentials, and no network but
+// for the screenshots that an export is told to download.
 #pragma once
 
 #include "KestrinCLI/CommandLine.h"
@@ -10,7 +11,9 @@ namespace kestrin::FastlaneCommands {
 // those of iOS. The package is written only when everything was read.
 int importFastlane(const Arguments& args, Console& console);
 
-// Writes the listing of a platform out as a deliver folder, and tells what had to stay behind.
+// Writes the listing of a platform out as a deliver folder, and tells what had to stay behind. With
+// `--download-screenshots` the screenshots that exist only on App Store Connect are fetched first, as far as the last
+// pull or push has seen them; a download that fails ends the command before anything is written.
 int exportFastlane(const Arguments& args, Console& console);
 
 }  // namespace kestrin::FastlaneCommands

@@ -171,6 +171,12 @@ void copyAtomically(const path& source, const path& target, Flush flush) {
     temporary.placeAt(target, flush);
 }
 
+void createFolders(const path& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) throw FileError(FileError::Operation::create, folder, error);
+}
+
 bool isReadable(const path& name) {
     return faccessat(AT_FDCWD, name.c_str(), R_OK, AT_EACCESS) == 0;
 }

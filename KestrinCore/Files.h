@@ -56,6 +56,9 @@ void writeAtomically(const std::filesystem::path& path, std::string_view bytes, 
 void copyAtomically(const std::filesystem::path& source, const std::filesystem::path& target,
                     Flush flush = Flush::yes);
 
+// Makes the folder and those on the way to it that aren't there; one that is there already is fine. Throws FileError.
+void createFolders(const std::filesystem::path& folder);
+
 // Whether this user may open the file at `path` for reading (links followed).
 bool isReadable(const std::filesystem::path& path);
 

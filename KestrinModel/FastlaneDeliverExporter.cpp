@@ -20,12 +20,6 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kScreenshotsFolder = "screenshots";
 
-void createFolder(const fs::path& folder) {
-    std::error_code error;
-    fs::create_directories(folder, error);
-    if (error) throw FileError(FileError::Operation::create, folder, error);
-}
-
 void removeFile(const fs::path& file) {
     std::error_code unknown;
     const auto status = fs::symlink_status(file, unknown);
@@ -54,7 +48,7 @@ bool write(const std::string& text, const fs::path& file) {
     }
     const auto bytes = text + "\n";
     if (holds(file, bytes)) return true;
-    createFolder(file.parent_path());
+    files::createFolders(file.parent_path());
     files::writeAtomically(file, bytes, files::Flush::no);
     return true;
 }
@@ -176,7 +170,7 @@ class Export {
     void copyScreenshot(const MediaItem& item, const PlacementSlot& slot, const fs::path& source,
                         std::size_t number, const fs::path& folder) {
         const auto group = text::lowercased(withoutSeparators(slot.group));
-        createFolder(folder);
+        files::createFolders(folder);
         const auto name = fmt::format("{:02}_{}_{}", number, group, fileName(item, source));
         files::copyAtomically(source, folder / name, files::Flush::no);
         ++summary.screenshotCount;

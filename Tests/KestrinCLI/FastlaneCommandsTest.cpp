@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "ASCKit/ASCError.h"
 #include "KestrinCLI/Failure.h"
 #include "KestrinCore/FileError.h"
 #include "KestrinModel/ProjectPackageFile.h"
+#include "SyncEngine/State/ProjectStateStore.h"
 #include "Tests/Support/FakeConsole.h"
+#include "Tests/Support/ProcessState.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace kestrin {
@@ -152,15 +155,44 @@ TEST_F(FastlaneCommandsTest, ExportOfNoProjectWritesNothing) {
     EXPECT_FALSE(folder.has("out"));
 }
 
-TEST_F(FastlaneCommandsTest, ExportSaysThatItCannotDownloadYet) {
-    ProjectPackageFile::save(Project(), package);
-    try {
-        exportTo("out", {"--download-screenshots"});
-        FAIL() << "promised a download";
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.errorDescription(), "--download-screenshots isn't available in this version yet");
-    }
+TEST_F(FastlaneCommandsTest, ExportTellsOfADownloadEvenOfNothing) {
+    const EnvironmentVariable home("HOME", folder.path().c_str());
+    const EnvironmentVariable temporary("TMPDIR", (folder / "tmp").c_str());
+    fs::create_directory(folder / "tmp");
+    Project project;
+    project.platforms[StorePlatform::iOS].media[german][{"IPHONE_67", "APP_SCREENSHOT"}] = {
+        MediaItem::remote("never-seen")};
+    ProjectPackageFile::save(project, package);
+
+    EXPECT_EQ(exportTo("out", {"--download-screenshots"}), 0);
+
+    EXPECT_EQ(console.errors, "Downloading 0 screenshots from App Store Connect…\n");
+    EXPECT_EQ(
+        console.output,
+        "Exported 0 locales, 0 text files and 0 screenshots.\n"
+        "  1 screenshots are only on App Store Connect, so weren't copied (try --download-screenshots).\n");
+    EXPECT_TRUE(fs::is_empty(folder / "tmp")) << "the download folder is gone";
+}
+
+TEST_F(FastlaneCommandsTest, ExportOfADownloadThatFailsWritesNothing) {
+    const EnvironmentVariable home("HOME", folder.path().c_str());
+    const EnvironmentVariable temporary("TMPDIR", (folder / "tmp").c_str());
+    fs::create_directory(folder / "tmp");
+    Project project;
+    project.manifest.projectID = UUID::random();
+    project.platforms[StorePlatform::iOS].media[german][{"IPHONE_67", "APP_SCREENSHOT"}] = {
+        MediaItem::remote("asset-1")};
+    ProjectPackageFile::save(project, package);
+    ASCLibraryAsset asset;
+    asset.id = "asset-1";
+    asset.thumbnail = ImageTemplate{"ftp://example.com/{w}x{h}.{f}", 10, 10};
+    ProjectStateStore::commandLine().saveRemoteAssets({{asset.id, asset}}, project.manifest.projectID);
+
+    EXPECT_THROW(exportTo("out", {"--download-screenshots"}), ASCError);
+
+    EXPECT_EQ(console.terminal, "Downloading 1 screenshots from App Store Connect…\n");
     EXPECT_FALSE(folder.has("out"));
+    EXPECT_TRUE(fs::is_empty(folder / "tmp"));
 }
 
 }  // namespace
