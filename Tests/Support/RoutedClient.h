@@ -21,14 +21,17 @@ class RoutedTransport final : public HTTPTransport {
         std::string body;
     };
     std::map<std::string, Answer> answers;
-    std::vector<std::string> paths;  // of the requests, in order
+    HTTPHeaders headers;              // of every reply
+    std::vector<std::string> paths;   // of the requests, in order
+    std::vector<std::string> writes;  // those that aren't a GET: "PATCH /v1/appInfos/7"
 
     HTTPResponse send(const HTTPRequest& request, const std::stop_token&) override {
         const auto path = request.url.path();
         paths.push_back(path);
+        if (request.method != "GET") writes.push_back(request.method + " " + path);
         const auto known = answers.find(path);
-        if (known == answers.end()) return {200, {}, R"({"data":[]})"};
-        return {known->second.status, {}, known->second.body};
+        if (known == answers.end()) return {200, headers, R"({"data":[]})"};
+        return {known->second.status, headers, known->second.body};
     }
 };
 
