@@ -186,9 +186,8 @@ class GraphemeIterator {
     UText text_ = UTEXT_INITIALIZER;
 };
 
-UChar32 firstScalar(std::string_view s) {
-    std::int32_t i = 0;
-    return orReplacement(nextScalar(s, i));
+bool isInCategories(char32_t scalar, std::uint32_t categories) {
+    return (U_GET_GC_MASK(static_cast<UChar32>(scalar)) & categories) != 0;
 }
 
 // Whether the rules of UAX #29 join the scalar to no neighbour, if that is of the same sort, but for CR LF. Most
@@ -207,22 +206,37 @@ bool isOneScalarPerGrapheme(UChar32 scalar) {
     }
 }
 
-// The number of characters of a text that takes no segmentation.
-std::optional<std::size_t> simpleGraphemeCount(std::string_view s) {
-    std::size_t count = 0;
-    bool afterCR = false;
+// Whether the text takes no segmentation: its characters are its scalars, but for CR LF.
+bool isSimplySegmented(std::string_view s) {
     const auto length = static_cast<std::int32_t>(s.size());
     for (std::int32_t i = 0; i < length;) {
         const auto scalar = orReplacement(nextScalar(s, i));
-        if (scalar >= 0x300 && !isOneScalarPerGrapheme(scalar)) return std::nullopt;
-        if (!(afterCR && scalar == '\n')) ++count;
-        afterCR = scalar == '\r';
+        if (scalar >= 0x300 && !isOneScalarPerGrapheme(scalar)) return false;
     }
-    return count;
+    return true;
 }
 
-bool isCombiningMark(UChar32 scalar) {
-    return (U_GET_GC_MASK(scalar) & U_GC_M_MASK) != 0;
+// Calls `take` with each character of such a text.
+template <class Take>
+void forEachSimpleGrapheme(std::string_view s, const Take& take) {
+    const auto length = static_cast<std::int32_t>(s.size());
+    for (std::int32_t i = 0; i < length;) {
+        const auto start = static_cast<std::size_t>(i);
+        const bool isCRLF = s.substr(start).starts_with("\r\n");
+        nextScalar(s, i);
+        if (isCRLF) ++i;
+        take(s.substr(start, static_cast<std::size_t>(i) - start));
+    }
+}
+
+// Calls `take` with each character of any text.
+template <class Take>
+void forEachGrapheme(std::string_view s, const Take& take) {
+    if (isSimplySegmented(s)) return forEachSimpleGrapheme(s, take);
+    GraphemeIterator iterator(s);
+    for (std::size_t start = 0; iterator.next(); start = iterator.position()) {
+        take(s.substr(start, iterator.position() - start));
+    }
 }
 
 bool isWidthForm(UChar32 scalar) {
@@ -251,7 +265,7 @@ icu::UnicodeString withUsualWidth(const icu::UnicodeString& s) {
 icu::UnicodeString withoutMarks(const icu::UnicodeString& s) {
     icu::UnicodeString result, parts;
     const auto append = [&](UChar32 scalar) {
-        if (!isCombiningMark(scalar)) result.append(scalar);
+        if (!isInCategories(static_cast<char32_t>(scalar), U_GC_M_MASK)) result.append(scalar);
     };
     for (std::int32_t i = 0; i < s.length(); i = s.moveIndex32(i, 1)) {
         const auto scalar = s.char32At(i);
@@ -336,21 +350,20 @@ std::string toNFC(std::string_view s) {
 
 std::size_t graphemeCount(std::string_view s) {
     requireIndexable(s);
-    if (const auto count = simpleGraphemeCount(s)) return *count;
-    GraphemeIterator graphemes(s);
     std::size_t count = 0;
-    while (graphemes.next()) ++count;
+    forEachGrapheme(s, [&](std::string_view) { ++count; });
     return count;
 }
 
 std::vector<std::string_view> graphemes(std::string_view s) {
     requireIndexable(s);
     std::vector<std::string_view> pieces;
-    GraphemeIterator iterator(s);
-    std::size_t start = 0;
-    while (iterator.next()) {
-        pieces.push_back(s.substr(start, iterator.position() - start));
-        start = iterator.position();
+    // Line by line, for a character ends with every line feed: a rare emoji then costs its own line a segmentation
+    // and not the whole text.
+    while (!s.empty()) {
+        const auto line = s.substr(0, std::min(s.find('\n'), s.size() - 1) + 1);
+        forEachGrapheme(line, [&](std::string_view character) { pieces.push_back(character); });
+        s.remove_prefix(line.size());
     }
     return pieces;
 }
@@ -365,9 +378,28 @@ std::size_t utf16Length(std::string_view s) {
     return units;
 }
 
+char32_t firstScalar(std::string_view s) {
+    if (s.empty()) return 0;
+    requireIndexable(s);
+    std::int32_t i = 0;
+    return static_cast<char32_t>(orReplacement(nextScalar(s, i)));
+}
+
+bool isPunctuation(char32_t scalar) {
+    return isInCategories(scalar, U_GC_P_MASK);
+}
+
+bool isSymbol(char32_t scalar) {
+    return isInCategories(scalar, U_GC_S_MASK);
+}
+
+bool isIdeographic(char32_t scalar) {
+    return u_hasBinaryProperty(static_cast<UChar32>(scalar), UCHAR_IDEOGRAPHIC) != 0;
+}
+
 bool isLetterOrNumber(std::string_view character) {
     if (character.empty()) return false;
-    const auto scalar = firstScalar(character);
+    const auto scalar = static_cast<UChar32>(firstScalar(character));
     return u_isUAlphabetic(scalar) || u_getIntPropertyValue(scalar, UCHAR_NUMERIC_TYPE) != U_NT_NONE;
 }
 
@@ -389,7 +421,7 @@ std::string_view withoutTrailingWhitespace(std::string_view s) {
         }
         if (!graphemes) graphemes.emplace(s);
         const auto start = graphemes->startOfLast(s.size());
-        if (!isWhitespace(static_cast<char32_t>(firstScalar(s.substr(start))))) break;
+        if (!isWhitespace(firstScalar(s.substr(start)))) break;
         s = s.substr(0, start);
     }
     return s;

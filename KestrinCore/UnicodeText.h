@@ -48,6 +48,13 @@ std::size_t utf16Length(std::string_view s);
 // Whether the scalar has the property White_Space (line feed, no-break space and the like included).
 bool isWhitespace(char32_t scalar);
 
+// The scalar that a text, most often one character, begins with; 0 for an empty text.
+char32_t firstScalar(std::string_view s);
+
+bool isPunctuation(char32_t scalar);  // general category P
+bool isSymbol(char32_t scalar);       // general category S, most emoji included
+bool isIdeographic(char32_t scalar);  // the property Ideographic: Han and its like, not kana and Hangul
+
 // Whether the character's first scalar is alphabetic (the property Alphabetic) or numeric (it has a Numeric_Type).
 bool isLetterOrNumber(std::string_view character);
 

@@ -121,6 +121,67 @@ TEST(UnicodeText, CountsUTF16Units) {
     }
 }
 
+TEST(UnicodeText, KnowsTheClassOfAScalar) {
+    struct Row {
+        const char* when;
+        char32_t scalar;
+        bool punctuation, symbol, ideographic;
+    };
+    const Row rows[] = {
+        {"a letter", U'a', false, false, false},
+        {"a digit", U'7', false, false, false},
+        {"a full stop", U'.', true, false, false},
+        {"an underscore", U'_', true, false, false},
+        {"a closing quotation mark", U'”', true, false, false},
+        {"an ideographic full stop", U'。', true, false, false},
+        {"a plus sign", U'+', false, true, false},
+        {"a currency sign", U'€', false, true, false},
+        {"a modifier symbol", U'^', false, true, false},
+        {"an emoji", U'😀', false, true, false},
+        {"the replacement character", U'\uFFFD', false, true, false},
+        {"a Han character", U'日', false, false, true},
+        {"one beyond the BMP", U'\U00020000', false, false, true},
+        {"the ideographic zero", U'〇', false, false, true},
+        {"hiragana", U'の', false, false, false},
+        {"Hangul", U'한', false, false, false},
+        {"a mark", U'\u0301', false, false, false},
+        {"a blank", U' ', false, false, false},
+        {"an unassigned scalar", U'\U0003FFFF', false, false, false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.when);
+        EXPECT_EQ(text::isPunctuation(row.scalar), row.punctuation);
+        EXPECT_EQ(text::isSymbol(row.scalar), row.symbol);
+        EXPECT_EQ(text::isIdeographic(row.scalar), row.ideographic);
+    }
+}
+
+TEST(UnicodeText, TheFirstScalarIsThatOfItsFirstBytes) {
+    EXPECT_EQ(text::firstScalar(""), U'\0');
+    EXPECT_EQ(text::firstScalar("ab"), U'a');
+    EXPECT_EQ(text::firstScalar("e\u0301"), U'e');
+    EXPECT_EQ(text::firstScalar("😀"), U'😀');
+    EXPECT_EQ(text::firstScalar("\xFF"), U'\uFFFD');
+}
+
+TEST(UnicodeText, GivesItsCharactersAsPieces) {
+    using Pieces = std::vector<std::string_view>;
+    EXPECT_EQ(text::graphemes(""), Pieces{});
+    EXPECT_EQ(text::graphemes("a\r\nb\n\n\rc"), (Pieces{"a", "\r\n", "b", "\n", "\n", "\r", "c"}));
+    EXPECT_EQ(text::graphemes("日本\ne\u0301👍🏽x\n\u0301"),
+              (Pieces{"日", "本", "\n", "e\u0301", "👍🏽", "x", "\n", "\u0301"}));
+    EXPECT_EQ(text::graphemes("a\xFF\xC3"), (Pieces{"a", "\xFF", "\xC3"}));
+}
+
+RC_GTEST_PROP(UnicodeText, ThePiecesOfATextAreAsManyAsItsCharactersAndJoinedTheText, ()) {
+    const auto text = *arbitrary::text();
+    const auto pieces = text::graphemes(text);
+    RC_ASSERT(pieces.size() == text::graphemeCount(text));
+    std::string joined;
+    for (const auto piece : pieces) joined += piece;
+    RC_ASSERT(joined == text);
+}
+
 TEST(UnicodeText, CountsAMegabyteOfMarksAndFlags) {
     EXPECT_EQ(text::graphemeCount("a" + repeated(500'000, "\u0301")), 1u);
     EXPECT_EQ(text::graphemeCount(repeated(125'000, "🇩🇪")), 125'000u);
