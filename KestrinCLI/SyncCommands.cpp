@@ -24,6 +24,17 @@ void takeRemote(PullResult& result) {
         ContentGraph::set(conflict.remote, conflict.key, result.project);
 }
 
+// The state is already that after the pull. Where the package can't follow, it goes back to what it was.
+void save(const Project& project, const std::filesystem::path& package, const ProjectStateStore& store,
+          const ProjectStateStore::Copy& earlier) {
+    try {
+        ProjectPackageFile::save(project, package);
+    } catch (...) {
+        store.restore(earlier, project.manifest.projectID);
+        throw;
+    }
+}
+
 void printPulled(const PullResult& result, const std::string& package, bool tookRemote, Console& console) {
     const auto& manifest = result.project.manifest;
     console.print(fmt::format("Pulled {} into {}:", manifest.app.ascAppID.value_or("?"), package));
@@ -102,11 +113,12 @@ int pull(const Arguments& args, Console& console) {
     const auto package = fileURL(args[1]);
     const auto project = loadOrCreate(package, option("--bundle-id", args));
     auto client = makeClient(console);
-    auto result =
-        ProjectPuller(client, ProjectStateStore::commandLine()).pull(project, mediaLocator(package));
+    const auto store = ProjectStateStore::commandLine();
+    const auto earlier = store.copy(project.manifest.projectID);
+    auto result = ProjectPuller(client, store).pull(project, mediaLocator(package));
     const bool tookRemote = hasFlag("--take-remote", args);
     if (tookRemote) takeRemote(result);
-    ProjectPackageFile::save(result.project, package);
+    save(result.project, package, store, earlier);
     printPulled(result, lastPathComponent(package), tookRemote, console);
     noteRateLimit(client, console);
     return 0;

@@ -21,16 +21,20 @@ constexpr const char* kRefData = "refdata.json";
 // Far above what a listing can come to, so that a file from elsewhere can't exhaust the memory.
 constexpr std::uintmax_t kMaximumFileSize = 256u << 20;
 
-std::optional<JSONValue> read(const fs::path& file) {
-    std::string bytes;
+std::optional<std::string> readBytes(const fs::path& file) {
     try {
-        bytes = files::readWhole(file, kMaximumFileSize);
+        return files::readWhole(file, kMaximumFileSize);
     } catch (const FileError& error) {
         if (error.reason == std::errc::no_such_file_or_directory) return std::nullopt;
         throw;
     }
+}
+
+std::optional<JSONValue> read(const fs::path& file) {
+    const auto bytes = readBytes(file);
+    if (!bytes) return std::nullopt;
     try {
-        return StableJSON::decode(bytes);
+        return StableJSON::decode(*bytes);
     } catch (const DecodingError& error) {
         throw StateFileError(file, error.errorDescription());
     }
@@ -80,6 +84,12 @@ fs::path home() {
     if (auto folder = homeFolder()) return *std::move(folder);
     throw FileError(FileError::Operation::read, "~",
                     std::make_error_code(std::errc::no_such_file_or_directory));
+}
+
+void removeFile(const fs::path& file) {
+    std::error_code error;
+    fs::remove(file, error);
+    if (error) throw FileError(FileError::Operation::remove, file, error);
 }
 
 fs::path fileOf(const fs::path& root, const UUID& id, const char* name) {
@@ -139,6 +149,28 @@ std::optional<AssetLibraryRefData> ProjectStateStore::refData() const {
 
 void ProjectStateStore::saveRefData(const AssetLibraryRefData& data) const {
     write(root / kRefData, data.toJSON());
+}
+
+ProjectStateStore::Copy ProjectStateStore::copy(const UUID& id) const {
+    Copy copy;
+    for (const char* name : {kBase, kRemoteIDs, kRemoteAssets}) {
+        copy.emplace(name, readBytes(fileOf(root, id, name)));
+    }
+    return copy;
+}
+
+void ProjectStateStore::restore(const Copy& earlier, const UUID& id) const {
+    for (const auto& [name, bytes] : earlier) {
+        const auto file = fileOf(root, id, name.c_str());
+        if (readBytes(file) == bytes) continue;
+        if (bytes) {
+            files::writeAtomically(file, *bytes);
+        } else {
+            removeFile(file);
+        }
+    }
+    std::error_code isInUse;
+    fs::remove(root / id.text(), isInUse);
 }
 
 }  // namespace kestrin

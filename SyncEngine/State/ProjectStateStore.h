@@ -61,6 +61,14 @@ class ProjectStateStore {
     std::optional<AssetLibraryRefData> refData() const;
     void saveRefData(const AssetLibraryRefData& data) const;
 
+    // The files of a project byte for byte, nullopt for one that isn't there. A caller that saves something else
+    // after the state takes a copy first, and puts it back when that fails: a snapshot that is newer than the
+    // package would make every remote change since look like an edit of the package.
+    using Copy = std::map<std::string, std::optional<std::string>>;
+    Copy copy(const UUID& id) const;
+    // Puts back what has changed since. Throws FileError where that can't be written.
+    void restore(const Copy& earlier, const UUID& id) const;
+
     std::filesystem::path root;
 };
 

@@ -186,6 +186,35 @@ TEST_F(ProjectStateStoreTest, ASaveLeavesNothingBesideItsFile) {
                                                file("remote-ids.json"), "refdata.json"}));
 }
 
+TEST_F(ProjectStateStoreTest, ACopyPutsBackEveryFileOfTheProjectByteForByte) {
+    folder.write(file("base.json"), "{ }");
+    folder.write(file("remote-ids.json"), "damaged");
+    const auto before = folder.files();
+
+    const auto copy = store.copy(kProject);
+    store.saveBase({{kName, "Name"}}, kProject);
+    store.saveRemoteIDs(everyID(), kProject);
+    store.saveRemoteAssets({}, kProject);
+    store.restore(copy, kProject);
+
+    EXPECT_EQ(folder.files(), before);
+}
+
+TEST_F(ProjectStateStoreTest, ACopyOfNothingLeavesNothing) {
+    const auto copy = store.copy(kProject);
+    store.saveBase({{kName, "Name"}}, kProject);
+    store.restore(copy, kProject);
+    EXPECT_FALSE(folder.has(file("").parent_path()));
+}
+
+TEST_F(ProjectStateStoreTest, PuttingBackTouchesNoFileThatIsAsItWas) {
+    store.saveBase({{kName, "Name"}}, kProject);
+    const auto copy = store.copy(kProject);
+    const auto written = std::filesystem::last_write_time(folder / file("base.json"));
+    store.restore(copy, kProject);
+    EXPECT_EQ(std::filesystem::last_write_time(folder / file("base.json")), written);
+}
+
 TEST_F(ProjectStateStoreTest, ProjectsDontSeeEachOther) {
     store.saveBase({{kName, "Name"}}, kProject);
     EXPECT_EQ(store.base(UUID::random()), std::nullopt);
