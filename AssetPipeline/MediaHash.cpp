@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <openssl/evp.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -46,11 +47,20 @@ class Digest {
     std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context_;
 };
 
+void requireRegularFile(const files::Descriptor& file, const std::filesystem::path& name) {
+    struct stat status {};
+    if (fstat(file.number(), &status) != 0) throw FileError::fromErrno(FileError::Operation::read, name);
+    if (S_ISREG(status.st_mode)) return;
+    throw FileError(FileError::Operation::read, name, std::make_error_code(std::errc::invalid_argument));
+}
+
 }  // namespace
 
 std::string md5(const std::filesystem::path& name) {
-    const files::Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
+    // O_NONBLOCK: a named pipe in the file's place must not hold the program up.
+    const files::Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file) throw FileError::fromErrno(FileError::Operation::read, name);
+    requireRegularFile(file, name);
     posix_fadvise(file.number(), 0, 0, POSIX_FADV_SEQUENTIAL);
 
     Digest digest;

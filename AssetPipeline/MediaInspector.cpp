@@ -57,6 +57,9 @@ namespace MediaInspector {
 const std::set<std::string> videoExtensions = {".mp4", ".m4v", ".mov"};
 
 MediaInfo inspect(const path& file) {
+    std::error_code ignored;
+    // A named pipe in the file's place would hold the program up.
+    if (!std::filesystem::is_regular_file(file, ignored)) throw MediaInspectorError(file.filename().native());
     MediaInfo info;
     info.fileExtension = extensionOf(file);
     info.fileSize = sizeOf(file);

@@ -27,6 +27,15 @@ std::string withoutExtension(std::string_view fileName) {
     return stem.empty() ? std::string(fileName) : stem;
 }
 
+std::string_view firstCharacters(std::string_view whole, std::size_t count) {
+    std::size_t length = 0;
+    for (const auto character : text::graphemes(whole)) {
+        if (count-- == 0) break;
+        length += character.size();
+    }
+    return whole.substr(0, length);
+}
+
 bool isHexadecimal(char c) {
     return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
@@ -36,13 +45,12 @@ bool isHexadecimal(char c) {
 std::string make(std::string_view fileName, std::string_view md5) {
     const auto full = withoutExtension(fileName);
     std::string stem;
-    std::size_t length = 0;
-    for (const auto character : text::graphemes(full)) {
-        if (length++ == kStemLimit) break;
+    for (const auto character : text::graphemes(firstCharacters(full, kStemLimit))) {
         const bool kept = character == "-" || character == "_" || text::isLetterOrNumber(character);
         stem += kept ? character : std::string_view("-");
     }
-    return "mq-" + stem + "-" + std::string(md5.substr(0, kHashLength));
+    // Of a path that stands in for a digest a letter may be longer than a byte.
+    return "mq-" + stem + "-" + std::string(firstCharacters(md5, kHashLength));
 }
 
 std::optional<std::string> hashSuffix(std::string_view referenceName) {

@@ -24,7 +24,7 @@ LibraryIndex::LibraryIndex(const std::vector<ASCLibraryAsset>& assets) {
     for (const auto& asset : assets) {
         assets_.insert_or_assign(asset.id, asset);
         if (const auto hash = ReferenceName::hashSuffix(asset.referenceName))
-            idsByHash_[*hash].push_back(asset.id);
+            byHash_[*hash].push_back(asset.id);
     }
 }
 
@@ -36,8 +36,8 @@ LibraryIndex LibraryIndex::fetch(ASCClient& client, const std::string& libraryID
 }
 
 const ASCLibraryAsset* LibraryIndex::asset(std::string_view matchingMD5) const {
-    const auto candidates = idsByHash_.find(std::string(matchingMD5.substr(0, kHashLength)));
-    if (candidates == idsByHash_.end()) return nullptr;
+    const auto candidates = byHash_.find(std::string(matchingMD5.substr(0, kHashLength)));
+    if (candidates == byHash_.end()) return nullptr;
     const ASCLibraryAsset* best = nullptr;
     for (const auto& id : candidates->second) {
         const auto& candidate = assets_.at(id);

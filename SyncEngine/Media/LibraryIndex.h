@@ -32,7 +32,7 @@ class LibraryIndex {
 
  private:
     std::map<std::string, ASCLibraryAsset> assets_;              // by id
-    std::map<std::string, std::vector<std::string>> idsByHash_;  // those whose reference name this tool made
+    std::map<std::string, std::vector<std::string>> byHash_;  // those whose reference name this tool made
 };
 
 }  // namespace kestrin

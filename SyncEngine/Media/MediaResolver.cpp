@@ -1,5 +1,8 @@
 #include "SyncEngine/Media/MediaResolver.h"
 
+#include <algorithm>
+#include <set>
+
 #include "AssetPipeline/MediaHash.h"
 #include "KestrinCore/FileError.h"
 #include "KestrinCore/UnicodeText.h"
@@ -20,7 +23,7 @@ class Resolver {
     }
 
     std::map<std::string, std::string> hashes;
-    text::TextSet missing;
+    std::set<std::string> missing;  // told apart as the file system tells them apart
 
  private:
     std::optional<std::string> hashOf(const std::string& path) {
@@ -78,6 +81,7 @@ MediaResolution resolve(const Project& project, LibraryIndex index, const MediaL
     });
     resolution.hashes = std::move(resolver.hashes);
     resolution.missing.assign(resolver.missing.begin(), resolver.missing.end());
+    std::sort(resolution.missing.begin(), resolution.missing.end(), text::Less());
     return resolution;
 }
 

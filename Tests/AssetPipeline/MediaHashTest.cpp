@@ -1,6 +1,7 @@
 #include "AssetPipeline/MediaHash.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <fstream>
 
@@ -33,6 +34,12 @@ TEST(MediaHash, RethrowsTheFileErrorOfAFileThatCantBeRead) {
     const TemporaryFolder folder;
     EXPECT_THROW(MediaHash::md5(folder.path() / "none"), FileError);
     EXPECT_THROW(MediaHash::md5(folder.path()), FileError);
+}
+
+TEST(MediaHash, IsNotHeldUpByANamedPipe) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    EXPECT_THROW(MediaHash::md5(folder / "pipe"), FileError);
 }
 
 }  // namespace

@@ -162,6 +162,8 @@ TEST_F(MediaInspectorImage, WhatIsNoImageIsUnreadableByItsName) {
     EXPECT_EQ(seen(tools.folder / "a.png"), unreadable) << "no file";
     std::filesystem::create_directory(tools.folder / "a.png");
     EXPECT_EQ(seen(tools.folder / "a.png"), unreadable) << "a folder";
+    ASSERT_EQ(mkfifo((tools.folder / "pipe.mp4").c_str(), 0600), 0);
+    EXPECT_EQ(seen(tools.folder / "pipe.mp4"), "Couldn’t read “pipe.mp4” as an image or a video.");
     EXPECT_EQ(seen(tools.folder / "not/there/a.png"), unreadable) << "only the last component is named";
 }
 

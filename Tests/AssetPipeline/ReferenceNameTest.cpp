@@ -34,6 +34,12 @@ TEST(ReferenceName, IsTheStemAndTheFirstTwelveDigitsOfTheDigest) {
 
 TEST(ReferenceName, TakesADigestShorterThanTwelveDigitsWhole) {
     EXPECT_EQ(ReferenceName::make("a.png", "0123"), "mq-a-0123");
+    EXPECT_EQ(ReferenceName::make("a.png", ""), "mq-a-");
+}
+
+TEST(ReferenceName, CutsNoLetterOfAPathThatStandsInForADigest) {
+    EXPECT_EQ(ReferenceName::make("夏.png", "missing:Médiathèque/夏.png"), "mq-夏-missing:Médi");
+    EXPECT_EQ(ReferenceName::make("夏.png", "missing:夏夏夏夏夏.png"), "mq-夏-missing:夏夏夏夏");
 }
 
 TEST(ReferenceName, HashSuffixIsTwelveHexadecimalDigitsBehindTheLastHyphen) {

@@ -131,6 +131,15 @@ TEST(SpecMatcher, ExtensionsAreComparedExactlyAndAnEmptyListTakesAny) {
     EXPECT_TRUE(SpecMatcher::matching(image(1, 1), kSlot, slotWith({spec})));
 }
 
+TEST(SpecMatcher, AFileOfTheGreatestSizeFitsAndOneByteMoreDoesnt) {
+    auto spec = exactly("a", 1, 1);
+    spec.maxFileSize = 1000;
+    EXPECT_TRUE(SpecMatcher::matching(image(1, 1), kSlot, slotWith({spec})));
+    spec.maxFileSize = 999;
+    EXPECT_FALSE(SpecMatcher::matching(image(1, 1), kSlot, slotWith({spec})));
+    EXPECT_EQ(problems(image(1, 1), {spec}), std::vector{problem(MediaProblem::TooLarge{1000, 999})});
+}
+
 TEST(SpecMatcher, MatchingIsTheFirstThatFitsWhollyWhateverItsKind) {
     auto video = exactly("video", 1, 1);
     video.kind = Spec::Kind::video;
@@ -145,13 +154,48 @@ TEST(SpecMatcher, AFileThatFitsHasNoProblem) {
 }
 
 TEST(SpecMatcher, ASlotWithoutSpecsIsUnknownAndNothingElse) {
-    EXPECT_EQ(problems(image(1, 1), {}), std::vector{problem(MediaProblem::UnknownSlot{})});
+    const auto unknown = std::vector{problem(MediaProblem::UnknownSlot{})};
+    EXPECT_EQ(problems(image(1, 1), {}), unknown);
+    const auto data = slotWith({exactly("a", 1, 1)});
+    EXPECT_EQ(SpecMatcher::problems(image(1, 1), {"ANOTHER_GROUP", kSlot.type}, data), unknown);
+    EXPECT_EQ(SpecMatcher::problems(image(1, 1), {kSlot.group, "ANOTHER_TYPE"}, data), unknown);
+    EXPECT_EQ(SpecMatcher::problems(image(1, 1), kSlot, {}), unknown);
 }
 
 TEST(SpecMatcher, AnImageForASlotOfVideosIsOfTheWrongKindAndNothingElse) {
     auto video = exactly("v", 5, 5);
     video.kind = Spec::Kind::video;
     EXPECT_EQ(problems(image(1, 1), {video}), std::vector{problem(MediaProblem::WrongKind{})});
+}
+
+TEST(SpecMatcher, SpecsOfTheOtherKindAreLeftOutOfWhatIsSaid) {
+    auto video = exactly("v", 1, 1);
+    video.kind = Spec::Kind::video;
+    video.maxFileSize = 10'000;
+    auto small = exactly("a", 2, 2);
+    small.maxFileSize = 10;
+    EXPECT_EQ(problems(image(1, 1), {video, small}),
+              (std::vector{problem(MediaProblem::WrongSize{1, 1, {"2×2"}}),
+                           problem(MediaProblem::TooLarge{1000, 10})}));
+}
+
+TEST(SpecMatcher, OneFittingSpecIsEnoughAndTheFirstOfThemDecidesOnAlpha) {
+    auto media = image(1, 1);
+    media.hasAlpha = true;
+    auto forbids = exactly("forbids", 1, 1);
+    forbids.alphaAllowed = false;
+    auto allows = exactly("allows", 1, 1);
+    allows.alphaAllowed = true;
+    const auto other = exactly("other", 2, 2);
+    EXPECT_TRUE(problems(media, {other, allows, forbids}).empty());
+    EXPECT_EQ(problems(media, {other, forbids, allows}),
+              std::vector{problem(MediaProblem::AlphaWillBeRemoved{})});
+}
+
+TEST(SpecMatcher, AWrongTypeAloneIsTheOnlyProblem) {
+    auto spec = exactly("a", 1, 1);
+    spec.fileExtensions = {".jpg", ".jpeg"};
+    EXPECT_EQ(problems(image(1, 1), {spec}), std::vector{problem(MediaProblem::WrongFileType{".png"})});
 }
 
 TEST(SpecMatcher, AlphaIsAProblemOnlyWhereTheFirstFittingSpecForbidsIt) {

@@ -128,6 +128,15 @@ TEST_F(MediaResolverTest, AFileThatCantBeReadIsMissingOnceHoweverManySlotsUseIt)
     EXPECT_EQ(asked["z.png"], 1);
 }
 
+TEST_F(MediaResolverTest, PathsAreToldApartAsTheFileSystemDoes) {
+    folder.write("e\u0301.png", "a");
+    const auto resolution =
+        resolve(projectWith({MediaItem::file("é.png"), MediaItem::file("e\u0301.png")}), {asset("1")});
+    EXPECT_EQ(resolution.missing, std::vector<std::string>{"é.png"});
+    EXPECT_EQ(itemsOf(resolution),
+              (MediaItems{MediaItem::file("é.png"), MediaItem::remote("1", "uploaded-1.png")}));
+}
+
 TEST_F(MediaResolverTest, AFileIsReadOnceHoweverManySlotsUseIt) {
     resolve(projectWith({MediaItem::file("a.png"), MediaItem::file("a.png")}), {});
     EXPECT_EQ(asked["a.png"], 1);
