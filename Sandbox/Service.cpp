@@ -30,8 +30,8 @@ void checkMediaTypes(const HTTPRequest& request) {
         if (!bearsBody(request)) return;
         throw Refusal(ErrorItem{400, "ENTITY_INVALID", fmt::format("A {} bears no body", request.method)});
     }
-    auto type = headerValue(request.headers, "Content-Type").value_or("");
-    type = type.substr(0, type.find(';'));
+    const auto header = headerValue(request.headers, "Content-Type");
+    const auto type = header ? std::string_view(*header).substr(0, header->find(';')) : std::string_view();
     if (type != "application/json" && type != "application/vnd.api+json") {
         throw Refusal(ErrorItem{415, "UNSUPPORTED_MEDIA_TYPE", "The body must be application/json"});
     }
