@@ -31,7 +31,7 @@ class LibraryIndex {
     bool operator==(const LibraryIndex&) const = default;
 
  private:
-    std::map<std::string, ASCLibraryAsset> assets_;              // by id
+    std::map<std::string, ASCLibraryAsset> assets_;           // by id
     std::map<std::string, std::vector<std::string>> byHash_;  // those whose reference name this tool made
 };
 
