@@ -4,6 +4,7 @@
 
 #include "KestrinCLI/Failure.h"
 #include "KestrinCore/HomeFolder.h"
+#include "KestrinCore/Split.h"
 #include "KestrinCore/UnicodeText.h"
 
 namespace kestrin {
@@ -35,10 +36,8 @@ std::optional<std::set<StoreLocale>> localesOption(const Arguments& args) {
     const auto value = option("--locales", args);
     if (!value) return std::nullopt;
     std::set<StoreLocale> locales;
-    for (std::size_t start = 0; start <= value->size();) {
-        const auto end = std::min(value->find(',', start), value->size());
-        if (end > start) locales.insert({value->substr(start, end - start)});
-        start = end + 1;
+    for (const auto locale : split(*value, ',')) {
+        if (!locale.empty()) locales.insert({std::string(locale)});
     }
     return locales;
 }

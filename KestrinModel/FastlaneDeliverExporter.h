@@ -2,8 +2,9 @@
 // time.
 //
 // An export over an older one clears what is gone from the project field by field: a text that is empty now has its
-// file removed. A file that holds the text already isn't touched, but counts. Screenshots are replaced where the names are equal, and nothing else is removed: not the
-// screenshots of an older export with higher numbers, nor the folder of a locale that the project no longer has.
+// file removed. A file that holds the text already isn't touched, but counts. Screenshots are replaced where the names
+// are equal, and nothing else is removed: not the screenshots of an older export with higher numbers, nor the folder of
+// a locale that the project no longer has.
 //
 // Import reads back what export wrote. A text comes back as it was unless it ends in white space, holds a carriage
 // return, begins with a byte order mark or is larger than 16 MiB; a category if it is in upper case without blanks

@@ -1,19 +1,10 @@
 #include "KestrinModel/KeywordAnalysis.h"
 
+#include "KestrinCore/Split.h"
 #include "KestrinCore/UnicodeText.h"
 
 namespace kestrin {
 namespace {
-
-std::vector<std::string_view> pieces(std::string_view text) {
-    std::vector<std::string_view> result;
-    for (;;) {
-        const auto comma = text.find(',');
-        result.push_back(text.substr(0, comma));
-        if (comma == std::string_view::npos) return result;
-        text.remove_prefix(comma + 1);
-    }
-}
 
 std::string_view trimmed(std::string_view piece) {
     constexpr std::string_view kBlanksAndTabs = " \t";
@@ -45,7 +36,7 @@ std::vector<std::string> duplicatesAmong(const std::vector<std::string>& keyword
 }  // namespace
 
 KeywordAnalysis::KeywordAnalysis(std::string_view text) {
-    for (const auto piece : pieces(text)) {
+    for (const auto piece : split(text, ',')) {
         wastedSpaces += blanksAround(piece);
         if (const auto keyword = trimmed(piece); !keyword.empty()) keywords.emplace_back(keyword);
     }

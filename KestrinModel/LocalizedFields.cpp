@@ -1,5 +1,7 @@
 #include "KestrinModel/LocalizedFields.h"
 
+#include "KestrinCore/MapLookup.h"
+
 namespace kestrin {
 
 LocalizedFields::LocalizedFields(std::map<ListingField, std::string> values, UnknownFields unknown)
@@ -8,9 +10,7 @@ LocalizedFields::LocalizedFields(std::map<ListingField, std::string> values, Unk
 }
 
 const std::string& LocalizedFields::operator[](ListingField field) const {
-    static const std::string kEmpty;
-    const auto value = values_.find(field);
-    return value == values_.end() ? kEmpty : value->second;
+    return valueOrEmpty(values_, field);
 }
 
 void LocalizedFields::set(ListingField field, std::string value) {
@@ -24,9 +24,7 @@ void LocalizedFields::set(ListingField field, std::string value) {
 namespace Texts {
 
 const LocalizedFields& fields(const LocalizedTexts& locales, const StoreLocale& locale) {
-    static const LocalizedFields kNone;
-    const auto found = locales.find(locale);
-    return found == locales.end() ? kNone : found->second;
+    return valueOrEmpty(locales, locale);
 }
 
 void setFields(LocalizedTexts& locales, const StoreLocale& locale, LocalizedFields fields) {

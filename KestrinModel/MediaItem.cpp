@@ -1,6 +1,7 @@
 #include "KestrinModel/MediaItem.h"
 
 #include "KestrinCore/JSONDecoding.h"
+#include "KestrinCore/MapLookup.h"
 
 namespace kestrin {
 namespace {
@@ -72,11 +73,7 @@ MediaItem MediaItem::fromJSON(const JSONValue& value) {
 namespace Media {
 
 const MediaItems& items(const LocalizedMedia& media, const StoreLocale& locale, const PlacementSlot& slot) {
-    static const MediaItems kNone;
-    const auto slots = media.find(locale);
-    if (slots == media.end()) return kNone;
-    const auto list = slots->second.find(slot);
-    return list == slots->second.end() ? kNone : list->second;
+    return valueOrEmpty(valueOrEmpty(media, locale), slot);
 }
 
 void setItems(LocalizedMedia& media, const StoreLocale& locale, const PlacementSlot& slot, MediaItems items) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <set>
 
+#include "KestrinCore/Split.h"
 #include "KestrinCore/UnicodeText.h"
 #include "KestrinModel/PackageNameError.h"
 #include "KestrinModel/PlainName.h"
@@ -82,10 +83,8 @@ void check(const Project& project) {
 
 std::vector<std::string> pieces(std::string_view path) {
     std::vector<std::string> result;
-    for (std::size_t start = 0; start <= path.size();) {
-        const auto end = std::min(path.find('/', start), path.size());
-        if (end > start) result.emplace_back(path.substr(start, end - start));
-        start = end + 1;
+    for (const auto piece : split(path, '/')) {
+        if (!piece.empty()) result.emplace_back(piece);
     }
     if (result.empty() || !std::all_of(result.begin(), result.end(), isPlain)) {
         throw PackageNameError(PackageNameError::NotAPath{std::string(path)});

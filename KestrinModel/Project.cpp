@@ -1,5 +1,7 @@
 #include "KestrinModel/Project.h"
 
+#include "KestrinCore/MapLookup.h"
+
 namespace kestrin {
 namespace {
 
@@ -10,9 +12,7 @@ bool isAppInfoField(ListingField field) {
 }  // namespace
 
 const PlatformListing& Project::operator[](const StorePlatform& platform) const {
-    static const PlatformListing kNone;
-    const auto listing = platforms.find(platform);
-    return listing == platforms.end() ? kNone : listing->second;
+    return valueOrEmpty(platforms, platform);
 }
 
 const std::string& Project::value(ListingField field, const StoreLocale& locale,

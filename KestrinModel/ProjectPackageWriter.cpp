@@ -1,5 +1,6 @@
 #include <set>
 
+#include "KestrinCore/MapLookup.h"
 #include "KestrinCore/StableJSON.h"
 #include "KestrinModel/ExperimentFile.h"
 #include "KestrinModel/LocaleFile.h"
@@ -69,9 +70,9 @@ void writeFields(PackageFolder& folder, const LocalizedFields& fields) {
 }
 
 void writeMedia(PackageFolder& folder, const LocalizedMedia& media, const StoreLocale& locale) {
-    const auto slots = media.find(locale);
-    if (slots != media.end() && PlacementsFile::hasItems(slots->second)) {
-        folder.setFile(kPlacements, PlacementsFile::encode(slots->second));
+    const auto& slots = valueOrEmpty(media, locale);
+    if (PlacementsFile::hasItems(slots)) {
+        folder.setFile(kPlacements, PlacementsFile::encode(slots));
     } else {
         folder.remove(kPlacements);
     }
@@ -171,8 +172,7 @@ void writePlatforms(PackageFolder& package, const std::map<StorePlatform, Platfo
 void writePage(PackageFolder& folder, const CustomProductPage& page) {
     folder.setFile(kPage, StableJSON::encode(PageFile::of(page)));
     writeLocaleFolders(folder, localesOf(page), [&](const StoreLocale& locale, PackageFolder& localeFolder) {
-        const auto text = page.promotionalText.find(locale);
-        writeText(localeFolder, kPromotionalText, text == page.promotionalText.end() ? "" : text->second);
+        writeText(localeFolder, kPromotionalText, valueOrEmpty(page.promotionalText, locale));
         writeMedia(localeFolder, page.media, locale);
     });
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "KestrinCore/Split.h"
 #include "Sandbox/Refusal.h"
 #include "Sandbox/Schema.h"
 
@@ -20,16 +21,6 @@ int hexDigit(char c) {
 
 bool contains(const std::vector<std::string>& list, std::string_view value) {
     return std::find(list.begin(), list.end(), value) != list.end();
-}
-
-std::vector<std::string_view> pieces(std::string_view text, char separator) {
-    std::vector<std::string_view> result;
-    for (;;) {
-        const auto end = text.find(separator);
-        result.push_back(text.substr(0, end));
-        if (end == std::string_view::npos) return result;
-        text.remove_prefix(end + 1);
-    }
 }
 
 std::string decodedOrRefused(std::string_view raw) {
@@ -213,11 +204,11 @@ std::string percentEncoded(std::string_view text) {
 Query parseQuery(std::string_view text) {
     Query query;
     if (text.empty()) return query;
-    for (const auto piece : pieces(text, '&')) {
+    for (const auto piece : split(text, '&')) {
         const auto equals = piece.find('=');
         QueryParameter parameter{decodedOrRefused(piece.substr(0, equals)), {}};
         const auto value = equals == std::string_view::npos ? "" : piece.substr(equals + 1);
-        for (const auto part : pieces(value, ',')) parameter.values.push_back(decodedOrRefused(part));
+        for (const auto part : split(value, ',')) parameter.values.push_back(decodedOrRefused(part));
         query.push_back(std::move(parameter));
     }
     return query;

@@ -186,10 +186,8 @@ void copy(const ContentKey& key, const Project& source, Project& destination) {
 std::string mediaValue(const MediaItems& items) {
     std::string lines;
     for (const auto& item : items) {
-        const auto token = item.token();
-        lines.reserve(items.size() * (token.size() + 1));  // exact when all are assets; no call shrinks it
         if (&item != &items.front()) lines += '\n';
-        lines += token;
+        lines += item.token();
     }
     return lines;
 }

@@ -5,15 +5,14 @@
 #include <string>
 #include <vector>
 
+#include "KestrinCore/MapLookup.h"
 #include "SyncEngine/Content/ContentGraph.h"
 
 namespace kestrin::FlatValue {
 
 // The value of a key; "" when there is none.
 inline const std::string& of(const ContentKey& key, const FlatValues& values) {
-    static const std::string kNone;
-    const auto found = values.find(key);
-    return found == values.end() ? kNone : found->second;
+    return valueOrEmpty(values, key);
 }
 
 // Every key of any of them, ascending, once.

@@ -2,27 +2,17 @@
 
 #include <algorithm>
 
+#include "KestrinCore/MapLookup.h"
+#include "KestrinCore/Split.h"
 #include "KestrinCore/UnicodeText.h"
 
 namespace kestrin::ContentGraph {
 namespace {
 
-template <class Key, class Value>
-auto* find(std::map<Key, Value>& map, const Key& key) {
-    const auto found = map.find(key);
-    return found == map.end() ? nullptr : &found->second;
-}
-
-template <class Key, class Value>
-const auto* find(const std::map<Key, Value>& map, const Key& key) {
-    const auto found = map.find(key);
-    return found == map.end() ? nullptr : &found->second;
-}
-
 template <class SomeProject>
 auto* findTreatment(SomeProject& project, const Slug& experiment, const Slug& treatment) {
-    auto* parent = find(project.experiments, experiment);
-    return parent ? find(parent->treatments, treatment) : nullptr;
+    auto* parent = valueIn(project.experiments, experiment);
+    return parent ? valueIn(parent->treatments, treatment) : nullptr;
 }
 
 Treatment& madeTreatment(Project& project, const Slug& experiment, const Slug& treatment) {
@@ -70,7 +60,7 @@ void flattenExperiment(const Slug& slug, const Experiment& experiment, FlatValue
 }
 
 std::string read(const ContentKey::Page& key, const Project& project) {
-    const auto* page = find(project.pages, key.page);
+    const auto* page = valueIn(project.pages, key.page);
     if (!page) return {};
     switch (key.attribute) {
         case PageAttribute::name:
@@ -84,18 +74,17 @@ std::string read(const ContentKey::Page& key, const Project& project) {
 }
 
 std::string read(const ContentKey::PagePromotionalText& key, const Project& project) {
-    const auto* page = find(project.pages, key.page);
-    const auto* text = page ? find(page->promotionalText, key.locale) : nullptr;
-    return text ? *text : std::string();
+    const auto* page = valueIn(project.pages, key.page);
+    return page ? valueOrEmpty(page->promotionalText, key.locale) : std::string();
 }
 
 std::string read(const ContentKey::PagePlacements& key, const Project& project) {
-    const auto* page = find(project.pages, key.page);
+    const auto* page = valueIn(project.pages, key.page);
     return page ? mediaValue(Media::items(page->media, key.locale, key.slot)) : std::string();
 }
 
 std::string read(const ContentKey::Experiment& key, const Project& project) {
-    const auto* experiment = find(project.experiments, key.experiment);
+    const auto* experiment = valueIn(project.experiments, key.experiment);
     if (!experiment) return {};
     switch (key.attribute) {
         case ExperimentAttribute::name:
@@ -126,7 +115,7 @@ std::string read(const ContentKey::TreatmentPlacements& key, const Project& proj
 }
 
 void clear(const ContentKey::Page& key, Project& project) {
-    auto* page = find(project.pages, key.page);
+    auto* page = valueIn(project.pages, key.page);
     if (!page) return;
     switch (key.attribute) {
         case PageAttribute::name:
@@ -142,15 +131,15 @@ void clear(const ContentKey::Page& key, Project& project) {
 }
 
 void clear(const ContentKey::PagePromotionalText& key, Project& project) {
-    if (auto* page = find(project.pages, key.page)) page->promotionalText.erase(key.locale);
+    if (auto* page = valueIn(project.pages, key.page)) page->promotionalText.erase(key.locale);
 }
 
 void clear(const ContentKey::PagePlacements& key, Project& project) {
-    if (auto* page = find(project.pages, key.page)) Media::setItems(page->media, key.locale, key.slot, {});
+    if (auto* page = valueIn(project.pages, key.page)) Media::setItems(page->media, key.locale, key.slot, {});
 }
 
 void clear(const ContentKey::Experiment& key, Project& project) {
-    auto* experiment = find(project.experiments, key.experiment);
+    auto* experiment = valueIn(project.experiments, key.experiment);
     if (!experiment) return;
     switch (key.attribute) {
         case ExperimentAttribute::name:
@@ -255,7 +244,7 @@ void write(const std::string& value, const ContentKey::TreatmentPlacements& key,
 
 const MediaItems& itemsOf(const ContentKey::PagePlacements& key, const Project& project) {
     static const MediaItems kNone;
-    const auto* page = find(project.pages, key.page);
+    const auto* page = valueIn(project.pages, key.page);
     return page ? Media::items(page->media, key.locale, key.slot) : kNone;
 }
 
@@ -326,9 +315,7 @@ MediaItems mediaItems(std::string_view value, const MediaItems& known) {
     text::TextMap<std::string> names;
     for (const auto& item : known) names.emplace(item.token(), item.fileName());
     MediaItems items;
-    for (std::size_t start = 0; start < value.size();) {
-        const auto line = value.substr(start, value.find('\n', start) - start);
-        start += line.size() + 1;
+    for (const auto line : split(value, '\n')) {
         const auto name = names.find(line);
         auto item = MediaItem::fromToken(line, name == names.end() ? std::string() : name->second);
         if (item) items.push_back(*std::move(item));

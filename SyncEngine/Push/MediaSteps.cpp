@@ -5,6 +5,7 @@
 #include "KestrinCore/Error.h"
 #include "KestrinCore/MapLookup.h"
 #include "KestrinCore/UnicodeText.h"
+#include "SyncEngine/Content/ProductPageContent.h"
 #include "SyncEngine/Push/PushPlanner.h"
 
 namespace kestrin::PushPlanner {
@@ -88,17 +89,6 @@ class Contexts {
     const RemoteListing& listing;
 };
 
-MediaItems itemsOf(std::string_view value) {
-    MediaItems items;
-    for (std::size_t start = 0; start < value.size();) {
-        const auto end = std::min(value.find('\n', start), value.size());
-        if (auto item = MediaItem::fromToken(value.substr(start, end - start), ""))
-            items.push_back(*std::move(item));
-        start = end + 1;
-    }
-    return items;
-}
-
 // Placements and items side by side, to the end of the shorter list.
 std::vector<ExistingPlacement> existing(const PlacementContext& context) {
     std::vector<ExistingPlacement> found;
@@ -128,7 +118,7 @@ Steps mediaSteps(const std::vector<Change>& changes, const RemoteListing& listin
     for (const auto& change : sorted) {
         auto context = std::visit(Contexts(listing), change.key.kind());
         if (!context) continue;
-        auto desired = itemsOf(change.local);
+        auto desired = ContentGraph::mediaItems(change.local, {});
         for (const auto& item : desired) {
             const auto* file = item.asFile();
             if (!file) continue;

@@ -157,6 +157,17 @@ TEST(ContentGraphFlatten, AMediaListIsItsTokensInOrder) {
     EXPECT_EQ(mediaValue({MediaItem::remote("1", "renamed.png")}), mediaValue({one}));
 }
 
+TEST(ContentGraphFlatten, AMediaListTakesNoMoreMemoryThanItsTokens) {
+    // Room for every token at the length of the longest would be more than any machine has.
+    MediaItems items(200'000, MediaItem::file("a"));
+    items.push_back(MediaItem::file(std::string(std::size_t{8} << 20, 'b')));
+
+    const auto lines = mediaValue(items);
+
+    EXPECT_EQ(lines.size(), 200'000 * 7 + 5 + (std::size_t{8} << 20));
+    EXPECT_LE(lines.capacity(), 2 * lines.size());
+}
+
 TEST(ContentGraphFlatten, ReviewValuesAreAsTheyStand) {
     const auto review = sample::platform().review;
     const std::pair<ReviewAttribute, const char*> rows[] = {
