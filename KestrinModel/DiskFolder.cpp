@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "KestrinModel/PackageTooLargeError.h"
+
 namespace kestrin {
 namespace {
 
@@ -47,7 +49,11 @@ std::vector<DiskEntries::Entry> DiskFolder::entries() {
 }
 
 std::string DiskFolder::contents(const std::string& name, std::uintmax_t limit) {
-    return files::readWhole(openFile(name), pathOf(name), limit);
+    auto bytes = files::readWhole(openFile(name), pathOf(name), limit);
+    auto& read = top().read_;
+    read += bytes.size();
+    if (read > kMaximumTotalSize) throw PackageTooLargeError(kMaximumTotalSize);
+    return bytes;
 }
 
 bool DiskFolder::holds(const std::string& name, std::string_view bytes) {

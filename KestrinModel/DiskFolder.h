@@ -20,6 +20,11 @@ namespace kestrin {
 
 class DiskFolder {
  public:
+    // What is read of all files together, in bytes. Each file alone may be small enough and their number exhaust the
+    // memory; no listing comes near it. A text takes up to three times its bytes while it is read, JSON that was made
+    // for it some thirty times: a package from elsewhere can make us take 2 GB and no more.
+    static constexpr std::uintmax_t kMaximumTotalSize = std::uintmax_t{64} << 20;
+
     // The root, opened here. FileError when it can't be, its reason ENOTDIR for anything but a folder.
     explicit DiskFolder(std::filesystem::path root);
     // A folder in `parent`, which must outlive it; opened when needed. `path` is relative to the root, for messages.
@@ -32,7 +37,8 @@ class DiskFolder {
 
     std::vector<DiskEntries::Entry> entries();
 
-    // The content of a regular file; FileTooLargeError above `limit` bytes.
+    // The content of a regular file; FileTooLargeError above `limit` bytes. PackageTooLargeError as soon as what was
+    // read of the whole tree comes to more than kMaximumTotalSize.
     std::string contents(const std::string& name, std::uintmax_t limit);
 
     // Whether the regular file holds exactly these bytes. One of another size isn't read.
@@ -53,6 +59,7 @@ class DiskFolder {
     std::filesystem::path path() const;
 
  private:
+    DiskFolder& top() { return parent_ ? parent_->top() : *this; }
     void close();
     void makeWay(DiskFolder& child);
     files::Descriptor openFile(const std::string& name);
@@ -62,6 +69,7 @@ class DiskFolder {
     std::string name_;              // in the parent
     std::string path_;              // relative to the root, which is ""
     std::filesystem::path root_;    // of the root, as it was given
+    std::uintmax_t read_ = 0;       // of the root: bytes of contents() so far
     files::Descriptor descriptor_;
 };
 

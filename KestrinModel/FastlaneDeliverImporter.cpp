@@ -11,6 +11,7 @@
 #include "KestrinCore/Files.h"
 #include "KestrinCore/UnicodeText.h"
 #include "KestrinModel/FastlaneDeliverExporter.h"
+#include "KestrinModel/PackageFolder.h"
 #include "KestrinModel/TextFile.h"
 
 namespace kestrin::FastlaneDeliverImporter {
@@ -18,8 +19,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uintmax_t kFileLimit = std::uintmax_t{16} << 20;
-constexpr std::uintmax_t kFolderLimit = std::uintmax_t{256} << 20;
+// A package holds no more.
+constexpr auto kFileLimit = PackageFolder::kMaximumFileSize;
+constexpr auto kFolderLimit = PackageFolder::kMaximumTotalSize;
 constexpr std::string_view kDefaultFolder = "default";
 constexpr std::string_view kByteOrderMark = "\uFEFF";
 constexpr std::string_view kGenrePrefix = "MZGenre.";

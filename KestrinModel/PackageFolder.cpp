@@ -6,6 +6,7 @@
 
 #include "KestrinCore/Error.h"
 #include "KestrinCore/UnicodeText.h"
+#include "KestrinModel/PackageTooLargeError.h"
 
 namespace kestrin {
 namespace {
@@ -41,8 +42,8 @@ std::uintmax_t sizeOfReadableFile(const std::filesystem::path& path) {
 
 PackageFolder::PackageFolder(std::unique_ptr<DiskFolder> disk) : disk_(std::move(disk)) {}
 
-PackageFolder::PackageFolder(std::unique_ptr<DiskFolder> disk, std::string path)
-    : disk_(std::move(disk)), path_(std::move(path)) {}
+PackageFolder::PackageFolder(std::unique_ptr<DiskFolder> disk, std::string path, ByteCount set)
+    : disk_(std::move(disk)), path_(std::move(path)), set_(std::move(set)) {}
 
 bool PackageFolder::SpellingLess::operator()(const std::string& a, const std::string& b) const {
     if (a == b) return false;
@@ -64,7 +65,7 @@ void PackageFolder::list() const {
                 auto path = pathOf(entry.name);
                 auto disk = std::make_unique<DiskFolder>(*disk_, entry.name, path);
                 children_.emplace(std::move(entry.name),
-                                  Folder(new PackageFolder(std::move(disk), std::move(path))));
+                                  Folder(new PackageFolder(std::move(disk), std::move(path), set_)));
                 break;
             }
             case DiskEntries::Kind::other:
@@ -172,6 +173,8 @@ void PackageFolder::put(std::string_view name, std::variant<std::string, std::fi
 
 void PackageFolder::setFile(std::string_view name, std::string bytes) {
     if (bytes.size() > kMaximumFileSize) throw FileTooLargeError(pathOf(name), kMaximumFileSize);
+    *set_ += bytes.size();
+    if (*set_ > kMaximumTotalSize) throw PackageTooLargeError(kMaximumTotalSize);
     const auto child = find(name);
     if (child != children_.end()) {
         if (std::holds_alternative<OnDisk>(child->second) && disk_->holds(child->first, bytes)) return;
@@ -187,7 +190,7 @@ PackageFolder& PackageFolder::directory(std::string_view name) {
     changed_ = true;
     auto child = find(name);
     if (child == children_.end()) child = children_.emplace(name, Special{}).first;
-    child->second = Folder(new PackageFolder(nullptr, pathOf(name)));
+    child->second = Folder(new PackageFolder(nullptr, pathOf(name), set_));
     return *std::get<Folder>(child->second);
 }
 

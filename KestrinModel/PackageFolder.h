@@ -29,9 +29,11 @@ namespace kestrin {
 
 class PackageFolder {
  public:
-    // The largest file that is read or written, in bytes: far above any text or list of a listing, and small enough
-    // that no package from elsewhere can exhaust the memory.
+    // The largest file that is read or written, and all files that are read or written together (those of the
+    // project: what nobody asks for is neither), in bytes: far above any text or list of a listing, and small enough
+    // that no package from elsewhere can exhaust the memory. What is refused on reading is refused on writing, too.
     static constexpr std::uintmax_t kMaximumFileSize = std::uintmax_t{16} << 20;
+    static constexpr std::uintmax_t kMaximumTotalSize = DiskFolder::kMaximumTotalSize;
 
     PackageFolder() = default;  // new and empty
     explicit PackageFolder(std::unique_ptr<DiskFolder> disk);
@@ -47,7 +49,7 @@ class PackageFolder {
     const PackageFolder* folder(std::string_view name) const;  // nullptr when there is none
     PackageFolder* folder(std::string_view name);
 
-    // Of a regular file; nullopt when there is none of that name. FileTooLargeError above kMaximumFileSize.
+    // Of a regular file; nullopt when there is none of that name. FileTooLargeError, PackageTooLargeError.
     std::optional<std::string> contents(std::string_view name) const;
 
     // In ascending order of the names; of two spellings of one name only the one that is meant.
@@ -60,7 +62,8 @@ class PackageFolder {
     // Changing.
 
     // Nothing happens when a regular file of that name holds exactly these bytes, so that it keeps its identity on
-    // disk; otherwise whatever has the name makes way. FileTooLargeError above kMaximumFileSize.
+    // disk; otherwise whatever has the name makes way. FileTooLargeError; PackageTooLargeError as soon as what was
+    // set in the whole tree, files that stayed as they were included, comes to more than kMaximumTotalSize.
     void setFile(std::string_view name, std::string bytes);
 
     // The folder of that name; anything else of the name makes way for a new one.
@@ -99,7 +102,8 @@ class PackageFolder {
     bool isChanged() const;                              // anything in it, at any depth
 
  private:
-    PackageFolder(std::unique_ptr<DiskFolder> disk, std::string path);
+    using ByteCount = std::shared_ptr<std::uintmax_t>;
+    PackageFolder(std::unique_ptr<DiskFolder> disk, std::string path, ByteCount set);
 
     void list() const;
     Children::iterator find(std::string_view name) const;
@@ -114,6 +118,7 @@ class PackageFolder {
     mutable Children children_;
     mutable bool isListed_ = false;
     bool changed_ = false;
+    ByteCount set_ = std::make_shared<std::uintmax_t>(0);  // bytes of setFile() so far, in the whole tree
 };
 
 }  // namespace kestrin

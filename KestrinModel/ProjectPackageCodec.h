@@ -30,7 +30,7 @@ namespace kestrin::ProjectPackageCodec {
 
 // The project in a package. Throws ProjectFormatError for the first file that isn't what it should be;
 // PackageNameError for a name that isn't UTF-8 where it would name a locale, platform, page or test; FileError for
-// what can't be read.
+// what can't be read; FileTooLargeError and PackageTooLargeError for more than PackageFolder reads.
 //
 // A folder in "Pages" without "page.json" is no page, one in "Experiments" without "experiment.json" no test, and a
 // folder beside them with neither "version.json" nor "Locales" no platform: all of these are passed over. Where two
@@ -43,8 +43,8 @@ using AddedFiles = text::TextMap<std::filesystem::path>;
 
 // The tree that holds `project`, made from the one that was there before: all that the project says, and all that
 // isn't the project's. Nothing on disk is changed. Throws PackageNameError (see PackageNames::check) before
-// anything else, StableJSON::EncodingError for a number that JSON doesn't have, FileError for what has to be read
-// and can't.
+// anything else, StableJSON::EncodingError for a number that JSON doesn't have, FileTooLargeError and
+// PackageTooLargeError for what couldn't be read again, FileError for what has to be read and can't.
 PackageFolder write(const Project& project, PackageFolder previous = {}, const AddedFiles& addingFiles = {});
 
 }  // namespace kestrin::ProjectPackageCodec

@@ -13,8 +13,8 @@ namespace kestrin::ProjectPackageFile {
 
 // Reads the project. Throws FileError for what the file system refuses, with the path given or one relative to the
 // package, or when saves of other programs keep replacing the package while it is read; ProjectFormatError for what
-// isn't a project; PackageNameError for a name that can't be used; FileTooLargeError. Nothing on disk is changed, but
-// that a package which a killed save had moved aside is put back in its place (see PackageStage).
+// isn't a project; PackageNameError for a name that can't be used; FileTooLargeError; PackageTooLargeError. Nothing on
+// disk is changed, but that a package which a killed save had moved aside is put back in its place (see PackageStage).
 Project load(const std::filesystem::path& path);
 
 // Makes the package hold `project`; ProjectPackageCodec::write says what becomes of what is there. A save that

@@ -1,13 +1,10 @@
 #include "KestrinCore/Message.h"
 
 #include <gtest/gtest.h>
-#include <libintl.h>
 
 #include <clocale>
-#include <cstdint>
-#include <cstdlib>
 
-#include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/OtherLanguage.h"
 
 namespace kestrin {
 namespace {
@@ -46,41 +43,8 @@ TEST(Message, SetsArgumentsInByName) {
     }
 }
 
-// A catalogue of one message in gettext's binary form.
-std::string catalogue(const std::string& key, const std::string& text) {
-    const auto header = std::string("Content-Type: text/plain; charset=UTF-8\n");
-    const std::uint32_t strings = 28 + 2 * 16;  // behind the header and the two tables of two entries each
-    const auto keyAt = strings + 1, headerAt = keyAt + static_cast<std::uint32_t>(key.size()) + 1;
-    const auto textAt = headerAt + static_cast<std::uint32_t>(header.size()) + 1;
-    const auto size = [](const std::string& s) { return static_cast<std::uint32_t>(s.size()); };
-    const std::uint32_t words[] = {0x950412de, 0,         2,     28,           28 + 16,  0,          0,     0,
-                                   strings,    size(key), keyAt, size(header), headerAt, size(text), textAt};
-    std::string bytes(reinterpret_cast<const char*>(words), sizeof words);
-    return bytes + '\0' + key + '\0' + header + '\0' + text + '\0';
-}
-
-// Speaks the language "xx" of a catalogue as long as it lives.
-class OtherLanguage {
- public:
-    OtherLanguage(const std::string& key, const std::string& text) {
-        folder_.write("xx/LC_MESSAGES/kestrin.mo", catalogue(key, text));
-        setenv("LANGUAGE", "xx", 1);
-        setenv("LC_ALL", "C.UTF-8", 1);
-        bindtextdomain("kestrin", folder_.path().c_str());
-        message::useEnvironmentLanguage();
-    }
-    ~OtherLanguage() {
-        unsetenv("LANGUAGE");
-        unsetenv("LC_ALL");
-        std::setlocale(LC_MESSAGES, "C");
-    }
-
- private:
-    TemporaryFolder folder_;
-};
-
 TEST(Message, IsTakenFromTheCatalogueThatHasItsKey) {
-    const OtherLanguage language("fileErrorRead", "Grund: {reason}, Ort: »{path}« äöü");
+    const OtherLanguage language({{"fileErrorRead", "Grund: {reason}, Ort: »{path}« äöü"}});
 
     EXPECT_EQ(
         localized("fileErrorRead", "Couldn’t read “{path}”: {reason}.", {{"path", "p"}, {"reason", "r"}}),
@@ -90,7 +54,7 @@ TEST(Message, IsTakenFromTheCatalogueThatHasItsKey) {
 }
 
 TEST(Message, TheEnvironmentsLanguageLeavesNumbersAndCharacterClassesAlone) {
-    const OtherLanguage language("key", "text");
+    const OtherLanguage language({{"key", "text"}});
 
     EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "C");
     EXPECT_STREQ(std::setlocale(LC_CTYPE, nullptr), "C");

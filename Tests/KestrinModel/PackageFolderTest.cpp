@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include "KestrinCore/FileError.h"
+#include "KestrinModel/PackageTooLargeError.h"
 #include "Tests/Support/PackageTrees.h"
 #include "Tests/Support/TemporaryFolder.h"
 
@@ -249,6 +250,44 @@ TEST(PackageFolder, WritesNothingThatCouldntBeReadAgain) {
     EXPECT_THROW(folder.setFile("x", std::string(PackageFolder::kMaximumFileSize + 1, 'x')),
                  FileTooLargeError);
     EXPECT_TRUE(folder.isEmpty());
+}
+
+TEST(PackageFolder, RefusesMoreThanTheLimitOfAllFilesTogether) {
+    const TemporaryFolder disk;
+    for (int i = 0; i < 5; ++i) {
+        const auto name = "folder" + std::to_string(i) + "/x";
+        disk.write(name, "");
+        std::filesystem::resize_file(disk / name, PackageFolder::kMaximumFileSize);
+    }
+    const auto folder = on(disk);
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_TRUE(folder.folder("folder" + std::to_string(i))->contents("x"));
+    }
+    try {
+        folder.folder("folder4")->contents("x");
+        FAIL() << "read";
+    } catch (const PackageTooLargeError& error) {
+        EXPECT_EQ(error.errorDescription(),
+                  "This project is too large: its files may have 67108864 bytes together.");
+    }
+    EXPECT_TRUE(on(disk).folder("folder4")->contents("x")) << "each opening of a package counts for itself";
+}
+
+TEST(PackageFolder, WritesNoMoreTogetherThanCouldBeReadAgain) {
+    PackageFolder folder;
+    const std::string largest(PackageFolder::kMaximumFileSize, 'x');
+    for (const char* name : {"a", "b", "c"}) folder.directory(name).setFile("x", largest);
+    folder.setFile("x", largest);
+    EXPECT_THROW(folder.directory("d").setFile("x", "x"), PackageTooLargeError);
+}
+
+TEST(PackageFolder, FilesThatNobodyAsksForMayHoldMore) {
+    const TemporaryFolder disk;
+    disk.write("media.mov", "");
+    std::filesystem::resize_file(disk / "media.mov", std::uintmax_t{1} << 40);
+    auto folder = on(disk);
+    folder.addFile("other.mov", disk / "media.mov");
+    EXPECT_TRUE(folder.hasFile("other.mov"));
 }
 
 TEST(PackageFolder, AHugeFileOfAnotherSizeIsReplacedWithoutBeingRead) {

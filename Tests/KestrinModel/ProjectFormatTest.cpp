@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "KestrinModel/ProjectFormatError.h"
+#include "Tests/Support/OtherLanguage.h"
 
 namespace kestrin {
 namespace {
@@ -59,6 +60,23 @@ TEST(ProjectFormatError, SaysEachCaseInOneSentence) {
         SCOPED_TRACE(row.sentence);
         EXPECT_EQ(E(row.kind).errorDescription(), row.sentence);
     }
+}
+
+TEST(ProjectFormatError, IsLookedUpUnderTheKeyOfItsCase) {
+    const std::pair<E::Kind, std::string> rows[] = {
+        {E::WrongFormat{"x"}, "projectFormatErrorWrongFormat"},
+        {E::NewerSchemaVersion{2}, "projectFormatErrorNewerSchemaVersion"},
+        {E::CorruptFile{"x"}, "projectFormatErrorCorruptFile"},
+        {E::NotAPackage{}, "projectFormatErrorNotAPackage"},
+        {E::MissingManifest{}, "projectFormatErrorMissingManifest"},
+        {E::CorruptManifest{}, "projectFormatErrorCorruptManifest"},
+        {E::InvalidSchemaVersion{}, "projectFormatErrorInvalidSchemaVersion"},
+    };
+    std::map<std::string, std::string> messages;
+    for (const auto& [kind, key] : rows) messages[key] = "translated " + key;
+    const OtherLanguage language(messages);
+
+    for (const auto& [kind, key] : rows) EXPECT_EQ(E(kind).errorDescription(), "translated " + key);
 }
 
 }  // namespace

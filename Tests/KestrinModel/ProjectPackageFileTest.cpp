@@ -94,6 +94,26 @@ TEST_F(ProjectPackageFileTest, AnEnormousFileIsAClearError) {
               "“iOS/Locales/de-DE/description.txt” is too large: at most 16777216 bytes are read.");
 }
 
+TEST_F(ProjectPackageFileTest, ManyLargeFilesAreAClearErrorToReadAndToWrite) {
+    auto project = demo();
+    const std::string large(std::size_t{15} << 20, 'x');
+    for (const char* locale : {"a", "b", "c", "d"})
+        project.setValue(large, ListingField::description, {locale}, StorePlatform::iOS);
+    save(project, package);
+    for (const auto& entry : snapshotOf(package)) {
+        if (entry.first.ends_with("description.txt") && entry.second.content.size() > 100)
+            fs::resize_file(package / entry.first, PackageFolder::kMaximumFileSize);
+    }
+    const auto sentence = "This project is too large: its files may have 67108864 bytes together.";
+    EXPECT_EQ(sentenceOf([&] { load(package); }), sentence);
+
+    const auto before = namesIn(folder.path());
+    project.setValue(large, ListingField::description, {"e"}, StorePlatform::iOS);
+    EXPECT_EQ(sentenceOf([&] { save(project, package); }), sentence);
+    EXPECT_EQ(namesIn(folder.path()), before);
+    EXPECT_FALSE(fs::exists(package / "iOS/Locales/e"));
+}
+
 TEST_F(ProjectPackageFileTest, OpensNeitherMediaNorUnknownFiles) {
     save(demo(), package);
     folder.write("Demo.kestrin/Media/huge.mov", "");
