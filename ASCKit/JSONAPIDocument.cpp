@@ -1,5 +1,6 @@
 #include "ASCKit/JSONAPIDocument.h"
 
+#include "KestrinCore/MapLookup.h"
 #include "KestrinCore/StableJSON.h"
 
 namespace kestrin {
@@ -74,15 +75,12 @@ ResourceObject ResourceObject::fromJSON(JSONValue value) {
 }
 
 std::optional<std::string> ResourceObject::relatedID(std::string_view relationship) const {
-    const auto found = relationships.find(std::string(relationship));
-    if (found == relationships.end()) return std::nullopt;
-    const auto memberOf = [](const JSONValue* value, const char* key) -> const JSONValue* {
+    const auto memberOf = [](const JSONValue* value, const std::string& key) -> const JSONValue* {
         const auto* members = value ? value->objectValue() : nullptr;
-        if (!members) return nullptr;
-        const auto member = members->find(key);
-        return member == members->end() ? nullptr : &member->second;
+        return members ? valueIn(*members, key) : nullptr;
     };
-    const auto* identifier = memberOf(memberOf(&found->second, "data"), "id");
+    const auto* found = valueIn(relationships, std::string(relationship));
+    const auto* identifier = memberOf(memberOf(found, "data"), "id");
     if (!identifier || !identifier->stringValue()) return std::nullopt;
     return *identifier->stringValue();
 }

@@ -131,11 +131,8 @@ const AssetLibraryRefData::DisplayClass* AssetLibraryRefData::displayClass(const
 
 std::optional<std::int64_t> AssetLibraryRefData::maxCount(const std::string& type,
                                                           const std::string& group) const {
-    const auto limits = maxCounts.find(type);
-    if (limits == maxCounts.end()) return std::nullopt;
-    const auto limit = limits->second.find(group);
-    if (limit == limits->second.end()) return std::nullopt;
-    return limit->second;
+    const auto* limit = valueIn(valueOrEmpty(maxCounts, type), group);
+    return limit ? std::optional(*limit) : std::nullopt;
 }
 
 AssetLibraryRefData ASC::assetLibraryRefData(ASCClient& client) {

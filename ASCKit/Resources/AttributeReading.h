@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "KestrinCore/JSONValue.h"
+#include "KestrinCore/MapLookup.h"
 
 namespace kestrin::AttributeReading {
 
@@ -27,9 +28,8 @@ std::vector<std::string> strings(const JSONObject& object, const std::string& ke
 // Calls `use` with every object in a list, in order.
 template <class Use>
 void forEachObject(const JSONObject& object, const std::string& key, Use&& use) {
-    const auto member = object.find(key);
-    if (member == object.end()) return;
-    const auto* list = member->second.arrayValue();
+    const auto* value = valueIn(object, key);
+    const auto* list = value ? value->arrayValue() : nullptr;
     if (!list) return;
     for (const auto& item : *list) {
         if (const auto* itemObject = item.objectValue()) use(*itemObject);

@@ -16,15 +16,11 @@ using Kind = ASCLibraryAsset::Kind;
 constexpr std::string_view kImageType = "appAssetLibraryImages";
 constexpr std::string_view kVideoType = "appAssetLibraryVideos";
 
-const JSONValue* member(const JSONObject& object, const std::string& key) {
-    const auto found = object.find(key);
-    return found == object.end() ? nullptr : &found->second;
-}
-
 std::optional<ImageTemplate> thumbnailOf(const ResourceObject& resource, Kind kind) {
-    if (kind == Kind::image) return ImageTemplate::fromAttribute(member(resource.attributes, "imageAsset"));
+    if (kind == Kind::image)
+        return ImageTemplate::fromAttribute(valueIn(resource.attributes, std::string("imageAsset")));
     const auto& frame = AttributeReading::objectOrEmpty(resource.attributes, "previewFrameImage");
-    return ImageTemplate::fromAttribute(member(frame, "image"));
+    return ImageTemplate::fromAttribute(valueIn(frame, std::string("image")));
 }
 
 std::string replacingAll(std::string text, std::string_view what, const std::string& by) {

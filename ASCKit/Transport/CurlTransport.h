@@ -4,8 +4,8 @@
 // On the wire stand the request's headers, Host, Content-Length of a body, and Accept-Encoding with the codings that
 // are undone here: no Accept, no User-Agent, no Expect. Only http and https are spoken, certificates are always
 // checked, no redirect is followed, nothing is kept on disk, and proxies come from the environment (https_proxy,
-// http_proxy, all_proxy, no_proxy). A request with the method POST goes out once at most; libcurl on its own would send it again when
-// a kept connection turns out to be dead.
+// http_proxy, all_proxy, no_proxy). A request with the method POST goes out once at most; libcurl on its own would send
+// it again when a kept connection turns out to be dead.
 //
 // Not for use by two threads at once: each worker has a transport of its own.
 #pragma once

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "Tests/Support/OtherLanguage.h"
+
 namespace kestrin {
 namespace {
 
@@ -54,6 +56,27 @@ TEST(ASCError, SaysEachFailureInOneSentence) {
         EXPECT_EQ(row.error.errorDescription(), row.sentence);
         EXPECT_STREQ(row.error.what(), row.sentence);
     }
+}
+
+TEST(ASCError, IsLookedUpUnderTheKeyOfItsCase) {
+    const std::pair<ASCError, std::string> rows[] = {
+        {http(403, {}), "ascErrorForbidden"},
+        {http(404, {}), "ascErrorHTTP"},
+        {ASCError(ASCError::Transport{TransportError::Code::timedOut, ""}), "ascErrorTransport"},
+        {ASCError(ASCError::InvalidResponse{""}), "ascErrorInvalidResponse"},
+        {ASCError(ASCError::InvalidRequest{""}), "ascErrorInvalidResponse"},
+        {ASCError(ASCError::UnreadablePrivateKey{""}), "ascErrorUnreadablePrivateKey"},
+        {ASCError(ASCError::MissingEnvironment{""}), "ascErrorMissingEnvironment"},
+        {ASCError(ASCError::Keychain{1}), "ascErrorKeychain"},
+        {ASCError(ASCError::Unauthorized{}), "ascErrorUnauthorized"},
+        {ASCError(ASCError::RateLimited{}), "ascErrorRateLimited"},
+        {ASCError(ASCError::InvalidPrivateKey{}), "ascErrorInvalidPrivateKey"},
+    };
+    std::map<std::string, std::string> messages;
+    for (const auto& [error, key] : rows) messages[key] = "translated " + key;
+    const OtherLanguage language(messages);
+
+    for (const auto& [error, key] : rows) EXPECT_EQ(error.errorDescription(), "translated " + key);
 }
 
 TEST(ASCError, DetailsAreDetailElseTitleOfEachItem) {

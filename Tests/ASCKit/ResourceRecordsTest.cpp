@@ -39,6 +39,96 @@ TEST(ResourceRecords, AResourceWithoutAttributesGivesEmptyTextsAndAbsentOptional
     EXPECT_EQ(ASCReviewSubmission(kBare).state, std::nullopt);
 }
 
+// A resource each of whose attributes is its own name.
+ResourceObject named(const std::vector<std::string>& attributes) {
+    ResourceObject made{"t", "1", {}, {}, {}};
+    for (const auto& attribute : attributes) made.attributes.emplace(attribute, attribute);
+    return made;
+}
+
+TEST(ResourceRecords, EachFieldIsTheAttributeOfItsName) {
+    using Texts = std::vector<std::optional<std::string>>;
+
+    const ASCApp app(named({"name", "bundleId", "sku", "primaryLocale"}));
+    EXPECT_EQ((Texts{app.name, app.bundleID, app.sku, app.primaryLocale}),
+              (Texts{"name", "bundleId", "sku", "primaryLocale"}));
+
+    const ASCAppStoreVersion version(
+        named({"platform", "versionString", "copyright", "releaseType", "createdDate"}));
+    EXPECT_EQ((Texts{version.platform, version.versionString, version.copyright, version.releaseType,
+                     version.createdDate}),
+              (Texts{"platform", "versionString", "copyright", "releaseType", "createdDate"}));
+
+    auto pageResource = named({"name", "url"});
+    pageResource.attributes.emplace("visible", false);
+    const ASCCustomProductPage page(pageResource);
+    EXPECT_EQ((Texts{page.name, page.url}), (Texts{"name", "url"}));
+    EXPECT_EQ(page.visible, false);
+    const ASCCustomProductPageVersion pageVersion(named({"version", "state", "deepLink"}));
+    EXPECT_EQ((Texts{pageVersion.version, pageVersion.state, pageVersion.deepLink}),
+              (Texts{"version", "state", "deepLink"}));
+    const ASCCustomProductPageLocalization pageLocalization(named({"locale", "promotionalText"}));
+    EXPECT_EQ((Texts{pageLocalization.locale, pageLocalization.promotionalText}),
+              (Texts{"locale", "promotionalText"}));
+
+    auto testResource = named({"name", "platform", "state", "startDate", "endDate"});
+    testResource.attributes.emplace("trafficProportion", 30);
+    const ASCExperiment test(testResource);
+    EXPECT_EQ((Texts{test.name, test.platform, test.state, test.startDate, test.endDate}),
+              (Texts{"name", "platform", "state", "startDate", "endDate"}));
+    EXPECT_EQ(test.trafficProportion, 30);
+    const ASCTreatment treatment(named({"name", "appIconName"}));
+    EXPECT_EQ((Texts{treatment.name, treatment.appIconName}), (Texts{"name", "appIconName"}));
+    EXPECT_EQ(ASCTreatmentLocalization(named({"locale"})).locale, "locale");
+
+    const ASCPlacement placement(named({"placementGroup", "placementType", "state"}));
+    EXPECT_EQ((Texts{placement.group, placement.type, placement.state}),
+              (Texts{"placementGroup", "placementType", "state"}));
+    const auto asset =
+        ASCLibraryAsset::fromResource(named({"fileName", "referenceName", "state", "category"}));
+    EXPECT_EQ((Texts{asset.fileName, asset.referenceName, asset.state, asset.category}),
+              (Texts{"fileName", "referenceName", "state", "category"}));
+
+    const ASCReviewSubmission submission(named({"state", "platform"}));
+    EXPECT_EQ((Texts{submission.state, submission.platform}), (Texts{"state", "platform"}));
+    EXPECT_EQ(ASCReviewDetail(named({"notes", "odd"})).attributes, named({"notes", "odd"}).attributes);
+}
+
+TEST(ResourceRecords, AnEmptyListIsNoResource) {
+    ScriptedClient world(times(7, reply(200, R"({"data":[]})")));
+    auto& client = world.client;
+    EXPECT_FALSE(ASC::appWithID(client, "7"));
+    EXPECT_FALSE(ASC::appWithBundleID(client, "a.b"));
+    EXPECT_FALSE(ASC::build(client, "7"));
+    EXPECT_FALSE(ASC::libraryAsset(client, "7", ASCLibraryAsset::Kind::image));
+    EXPECT_FALSE(ASC::buildUpload(client, "7"));
+    EXPECT_FALSE(ASC::openReviewSubmission(client, "7", "IOS"));
+    EXPECT_NO_THROW(ASC::validate(client));
+}
+
+TEST(ResourceRecords, WhatWasCreatedIsTheResourceThatCameBack) {
+    constexpr const char* kCreated = R"({"data":{"type":"t","id":"new","attributes":{"name":"N","locale":"ja",
+        "uploadOperations":[{"url":"https://up/1","offset":0,"length":5}]}}})";
+    ScriptedClient world(times(4, reply(201, kCreated)));
+    EXPECT_EQ(ASC::createCustomProductPage(world.client, {}).name, "N");
+    EXPECT_EQ(ASC::createTreatmentLocalization(world.client, "T", "ja").locale, "ja");
+
+    const auto asset = ASC::reserveLibraryAsset(world.client, {});
+    EXPECT_EQ(asset.asset.id, "new");
+    EXPECT_EQ(asset.operations,
+              (std::vector<UploadOperation>{{"PUT", *URL::parse("https://up/1"), 0, 5, {}}}));
+    const auto file = ASC::reserveBuildUploadFile(world.client, {});
+    EXPECT_EQ(file.id, "new");
+    EXPECT_EQ(file.operations, asset.operations);
+}
+
+TEST(ResourceRecords, TheItemsOfASubmissionAreCountedOnAllPages) {
+    ScriptedClient world({reply(200, R"({"data":[{"type":"i","id":"1"},{"type":"i","id":"2"}],
+                                         "links":{"next":"https://api.example.test/next"}})"),
+                          reply(200, R"({"data":[{"type":"i","id":"3"}]})")});
+    EXPECT_EQ(ASC::reviewSubmissionItemCount(world.client, "S"), 3u);
+}
+
 TEST(ResourceRecords, AnAttributeOfAnotherTypeIsNone) {
     const auto odd =
         resource(R"({"type":"t","id":"1","attributes":{"name":7,"visible":"yes","trafficProportion":"9",

@@ -10,6 +10,7 @@ namespace kestrin {
 namespace {
 
 using message::localized;
+using Catalogue = std::map<std::string, std::string>;
 
 TEST(Message, WithoutACatalogueIsTheEnglishText) {
     EXPECT_EQ(localized("noSuchKey", "This file isn’t a Kestrin project package."),
@@ -44,7 +45,8 @@ TEST(Message, SetsArgumentsInByName) {
 }
 
 TEST(Message, IsTakenFromTheCatalogueThatHasItsKey) {
-    const OtherLanguage language({{"fileErrorRead", "Grund: {reason}, Ort: »{path}« äöü"}});
+    const Catalogue german{{"fileErrorRead", "Grund: {reason}, Ort: »{path}« äöü"}};
+    const OtherLanguage language(german);
 
     EXPECT_EQ(
         localized("fileErrorRead", "Couldn’t read “{path}”: {reason}.", {{"path", "p"}, {"reason", "r"}}),
@@ -54,7 +56,7 @@ TEST(Message, IsTakenFromTheCatalogueThatHasItsKey) {
 }
 
 TEST(Message, TheEnvironmentsLanguageLeavesNumbersAndCharacterClassesAlone) {
-    const OtherLanguage language({{"key", "text"}});
+    const OtherLanguage language(Catalogue{});
 
     EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "C");
     EXPECT_STREQ(std::setlocale(LC_CTYPE, nullptr), "C");
