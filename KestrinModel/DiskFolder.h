@@ -21,9 +21,10 @@ namespace kestrin {
 class DiskFolder {
  public:
     // What is read of all files together, in bytes. Each file alone may be small enough and their number exhaust the
-    // memory; no listing comes near it. A text takes up to three times its bytes while it is read, JSON that was made
-    // for it some thirty times: a package from elsewhere can make us take 2 GB and no more.
-    static constexpr std::uintmax_t kMaximumTotalSize = std::uintmax_t{64} << 20;
+    // memory. As many pages, locales and platforms as App Store Connect allows, each text at its limit, come to a
+    // quarter of it. JSON made for the purpose takes nearly forty times its bytes in memory: a package from elsewhere
+    // can make us take a gigabyte and some, and no more.
+    static constexpr std::uintmax_t kMaximumTotalSize = std::uintmax_t{32} << 20;
 
     // The root, opened here. FileError when it can't be, its reason ENOTDIR for anything but a folder.
     explicit DiskFolder(std::filesystem::path root);

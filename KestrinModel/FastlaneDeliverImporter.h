@@ -52,7 +52,7 @@ inline constexpr std::string_view secondaryCategoryFile = "secondary_category.tx
 // comes in as "PHOTO_VIDEO".
 //
 // Throws FileError when the folder can't be listed, and FileTooLargeError when the texts of the whole folder, with
-// "default" counted once per locale, come to more than 64 MiB. Then the project is as it was.
+// "default" counted once per locale, come to more than 32 MiB. Then the project is as it was.
 void importListing(const std::filesystem::path& folder, Project& project, const StorePlatform& platform);
 
 }  // namespace kestrin::FastlaneDeliverImporter

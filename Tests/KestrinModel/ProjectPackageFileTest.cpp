@@ -63,6 +63,10 @@ class ProjectPackageFileTest : public testing::Test {
 TEST_F(ProjectPackageFileTest, WhatIsntThereCantBeRead) {
     EXPECT_EQ(sentenceOf([&] { load(package); }),
               "Couldn’t read “" + package.string() + "”: No such file or directory.");
+    folder.write("file", "");
+    const auto behindAFile = folder / "file/Demo.kestrin";
+    EXPECT_EQ(sentenceOf([&] { load(behindAFile); }),
+              "Couldn’t read “" + behindAFile.string() + "”: Not a directory.");
 }
 
 TEST_F(ProjectPackageFileTest, AFileIsNoPackage) {
@@ -97,21 +101,21 @@ TEST_F(ProjectPackageFileTest, AnEnormousFileIsAClearError) {
 TEST_F(ProjectPackageFileTest, ManyLargeFilesAreAClearErrorToReadAndToWrite) {
     auto project = demo();
     const std::string large(std::size_t{15} << 20, 'x');
-    for (const char* locale : {"a", "b", "c", "d"})
+    for (const char* locale : {"a", "b"})
         project.setValue(large, ListingField::description, {locale}, StorePlatform::iOS);
     save(project, package);
     for (const auto& entry : snapshotOf(package)) {
         if (entry.first.ends_with("description.txt") && entry.second.content.size() > 100)
             fs::resize_file(package / entry.first, PackageFolder::kMaximumFileSize);
     }
-    const auto sentence = "This project is too large: its files may have 67108864 bytes together.";
+    const auto sentence = "This project is too large: its files may have 33554432 bytes together.";
     EXPECT_EQ(sentenceOf([&] { load(package); }), sentence);
 
     const auto before = namesIn(folder.path());
-    project.setValue(large, ListingField::description, {"e"}, StorePlatform::iOS);
+    project.setValue(large, ListingField::description, {"c"}, StorePlatform::iOS);
     EXPECT_EQ(sentenceOf([&] { save(project, package); }), sentence);
     EXPECT_EQ(namesIn(folder.path()), before);
-    EXPECT_FALSE(fs::exists(package / "iOS/Locales/e"));
+    EXPECT_FALSE(fs::exists(package / "iOS/Locales/c"));
 }
 
 TEST_F(ProjectPackageFileTest, OpensNeitherMediaNorUnknownFiles) {
@@ -124,7 +128,6 @@ TEST_F(ProjectPackageFileTest, OpensNeitherMediaNorUnknownFiles) {
 
 TEST_F(ProjectPackageFileTest, LinksInAPackageAreNotFollowed) {
     save(demo(), package);
-    folder.write("outside/Kestrin.json", manifestText());
     folder.write("outside/description.txt", "secret");
     folder.write("outside/version.json", "{}");
     folder.write("outside/Locales/fr/description.txt", "secret");
@@ -133,9 +136,15 @@ TEST_F(ProjectPackageFileTest, LinksInAPackageAreNotFollowed) {
     fs::create_directory(package / "iOS/Locales/fr");
     fs::create_symlink("../../../../outside/description.txt", package / "iOS/Locales/fr/description.txt");
     EXPECT_EQ(load(package), demo());
-    fs::remove(package / "Kestrin.json");
+}
+
+TEST_F(ProjectPackageFileTest, ALinkIsNoManifestAndNoOlderOneIsLookedForBehindIt) {
+    folder.write("outside/Kestrin.json", manifestText());
+    folder.write("Demo.kestrin/Marquel.json", manifestText());
     fs::create_symlink("../outside/Kestrin.json", package / "Kestrin.json");
+    const auto before = snapshotOf(folder.path());
     EXPECT_EQ(sentenceOf([&] { load(package); }), "This project is missing its Kestrin.json manifest.");
+    EXPECT_EQ(changes(before, snapshotOf(folder.path())), "");
 }
 
 // Saving a new package

@@ -12,14 +12,6 @@ namespace fs = std::filesystem;
 
 const fs::path kData = fs::path(KESTRIN_SOURCE_DIR) / "Tests/KestrinModel/data";
 
-std::map<std::string, std::string> filesIn(const fs::path& folder) {
-    std::map<std::string, std::string> files;
-    for (const auto& [path, entry] : snapshotOf(folder)) {
-        if (entry.kind == 'f') files.emplace(path, entry.content);
-    }
-    return files;
-}
-
 class ProjectPackagePair : public testing::TestWithParam<const char*> {};
 
 TEST_P(ProjectPackagePair, IsAfterALoadAndASaveWhatItShouldBeAndStaysSo) {
@@ -29,7 +21,7 @@ TEST_P(ProjectPackagePair, IsAfterALoadAndASaveWhatItShouldBeAndStaysSo) {
 
     const auto project = ProjectPackageFile::load(package);
     ProjectPackageFile::save(project, package);
-    EXPECT_EQ(filesIn(package), filesIn(kData / (std::string(GetParam()) + ".out")));
+    EXPECT_EQ(filesOf(package), filesOf(kData / (std::string(GetParam()) + ".out")));
     EXPECT_EQ(ProjectPackageFile::load(package), project);
 
     const auto once = snapshotOf(folder.path());

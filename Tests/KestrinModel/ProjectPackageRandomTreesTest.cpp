@@ -1,12 +1,14 @@
-// What a load and a save leave of packages that people, other programs and older versions have put things into.
+// What a load and a save leave of packages that people, other programs and older versions have put things into: the
+// files that are nobody's and those of the project, and nothing else.
 //
-// The rules of survival stand here a second time, as a predicate over paths, so that the writer is held against
-// them on trees that nobody thought of.
+// The rules of survival (see ProjectPackageSurvivalTest) stand here a second time, as a predicate over paths, so that
+// the writer is held against them on trees that nobody thought of.
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include <set>
 
+#include "KestrinModel/ProjectPackageCodec.h"
 #include "KestrinModel/ProjectPackageFile.h"
 #include "Tests/Support/DiskSnapshot.h"
 #include "Tests/Support/PackageTrees.h"
@@ -202,7 +204,9 @@ class Survival {
             if (pieces[at + 1] != "Treatments" || pieces.size() == at + 2) return true;
             return inItems(pieces, at + 2, item + "Treatments/", inner, {});
         }
-        return inLocales(pieces, at + 1, localesOf(pieces, at), {"promotional-text.txt", "placements.json"});
+        const std::set<std::string> ofPage = {"promotional-text.txt", "placements.json"};
+        const std::set<std::string> ofTreatment = {"placements.json"};
+        return inLocales(pieces, at + 1, localesOf(pieces, at), at == 1 ? ofPage : ofTreatment);
     }
 
     std::set<StoreLocale> localesOf(const Pieces& pieces, std::size_t at) const {
@@ -225,7 +229,20 @@ class Survival {
     const Project& project_;
 };
 
-RC_GTEST_PROP(ProjectPackageRandomTrees, ASaveKeepsWhatIsNobodysAndTheProjectItself, ()) {
+// The files that a save has to leave.
+std::map<std::string, std::string> filesToBe(const Listing& before, const Project& project) {
+    std::map<std::string, std::string> files;
+    const Survival survival(before, project);
+    for (const auto& [path, bytes] : before) {
+        if (!path.ends_with('/') && survival.isCertain(path)) files.emplace(path, bytes);
+    }
+    for (const auto& [path, bytes] : listingOf(ProjectPackageCodec::write(project))) {
+        if (!path.ends_with('/')) files.emplace(path, bytes);  // a .gitattributes that was there stays
+    }
+    return files;
+}
+
+RC_GTEST_PROP(ProjectPackageRandomTrees, ASaveLeavesWhatIsNobodysAndTheProjectAndNothingElse, ()) {
     const auto before = RandomTree::make();
     const TemporaryFolder folder(TemporaryFolder::quickPlace());
     putOnDisk(before, folder, "P.kestrin");
@@ -234,12 +251,15 @@ RC_GTEST_PROP(ProjectPackageRandomTrees, ASaveKeepsWhatIsNobodysAndTheProjectIts
     const auto project = ProjectPackageFile::load(package);
     ProjectPackageFile::save(project, package);
 
-    for (const auto& [path, bytes] : before) {
-        if (path.ends_with('/') || !Survival(before, project).isCertain(path)) continue;
-        RC_LOG() << path << "\n";
-        RC_ASSERT(folder.has("P.kestrin/" + path));
-        RC_ASSERT(folder.read("P.kestrin/" + path) == bytes);
+    const auto found = filesOf(package);
+    const auto wanted = filesToBe(before, project);
+    for (const auto& [path, bytes] : wanted) {
+        if (!found.contains(path)) RC_LOG() << path << " is gone\n";
     }
+    for (const auto& [path, bytes] : found) {
+        if (!wanted.contains(path)) RC_LOG() << path << " should be gone\n";
+    }
+    RC_ASSERT(found == wanted);
     RC_ASSERT(ProjectPackageFile::load(package) == project);
     const auto once = snapshotOf(folder.path());
     ProjectPackageFile::save(project, package);

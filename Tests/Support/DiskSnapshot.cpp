@@ -57,6 +57,14 @@ DiskSnapshot contentOf(const std::filesystem::path& folder) {
     return snapshot;
 }
 
+std::map<std::string, std::string> filesOf(const std::filesystem::path& folder) {
+    std::map<std::string, std::string> files;
+    for (const auto& [path, entry] : snapshotOf(folder)) {
+        if (entry.kind == 'f') files.emplace(path, entry.content);
+    }
+    return files;
+}
+
 std::string changes(const DiskSnapshot& before, const DiskSnapshot& after) {
     std::string lines;
     for (const auto& [path, entry] : before) {

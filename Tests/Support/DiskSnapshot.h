@@ -31,4 +31,7 @@ std::string changes(const DiskSnapshot& before, const DiskSnapshot& after);
 // Kinds, contents and permissions alone: whether two trees hold the same.
 DiskSnapshot contentOf(const std::filesystem::path& folder);
 
+// The bytes of every regular file by its path relative to the folder.
+std::map<std::string, std::string> filesOf(const std::filesystem::path& folder);
+
 }  // namespace kestrin
