@@ -123,6 +123,16 @@ Descriptor::~Descriptor() {
     if (number_ >= 0) close(number_);
 }
 
+Descriptor openRegular(const path& name) {
+    auto file = openForReading(name);
+    statusOfRegular(file, name);
+    return file;
+}
+
+std::uint64_t sizeOf(const Descriptor& file, const path& name) {
+    return static_cast<std::uint64_t>(statusOf(file, name).st_size);
+}
+
 std::string readWhole(const Descriptor& file, const path& name, std::uintmax_t limit) {
     const auto status = statusOfRegular(file, name);
     if (static_cast<std::uintmax_t>(status.st_size) > limit) throw FileTooLargeError(name, limit);

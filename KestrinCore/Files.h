@@ -27,6 +27,13 @@ class Descriptor {
     int number_ = -1;
 };
 
+// The regular file at `path` (links followed), for reading. FileError for anything else: a folder, or a named pipe, which
+// doesn't hold the program up.
+Descriptor openRegular(const std::filesystem::path& path);
+
+// In bytes. `path` is for the error.
+std::uint64_t sizeOf(const Descriptor& file, const std::filesystem::path& path);
+
 // The whole content. FileTooLargeError above `limit` bytes; FileError for what can't be read, a folder or another
 // thing that isn't a regular file included.
 std::string readWhole(const std::filesystem::path& path, std::uintmax_t limit);

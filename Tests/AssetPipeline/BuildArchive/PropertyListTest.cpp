@@ -1,0 +1,124 @@
+#include "AssetPipeline/BuildArchive/PropertyList.h"
+
+#include <gtest/gtest.h>
+
+#include "Tests/AssetPipeline/BuildArchive/ArchiveBytes.h"
+#include "Tests/AssetPipeline/BuildArchive/ArchiveErrors.h"
+#include "Tests/Support/PeakMemory.h"
+#include "Tests/Support/Repeated.h"
+
+namespace kestrin {
+namespace {
+
+using Kind = BuildArchiveError::Kind;
+using binaryPropertyList::array;
+using binaryPropertyList::ascii;
+using binaryPropertyList::dictionary;
+
+std::optional<Kind> errorOf(const std::string& bytes) {
+    return archiveErrorOf([&] { PropertyList::parse(bytes); });
+}
+
+const std::string kTrue = "\x09", kFalse = "\x08";
+
+TEST(PropertyList, ReadsXML) {
+    const auto list = PropertyList::parse(xmlPropertyList(
+        "<key>text</key><string>a &amp; ü</string><key>yes</key><true/><key>no</key><false/>"
+        "<key>texts</key><array><string>a</string><integer>1</integer><string>b</string></array>"));
+    EXPECT_EQ(list.text("text"), "a & ü");
+    EXPECT_EQ(list.truth("yes"), true);
+    EXPECT_EQ(list.truth("no"), false);
+    EXPECT_EQ(list.texts("texts"), (std::vector<std::string>{"a", "b"}));
+}
+
+TEST(PropertyList, ReadsBinary) {
+    const auto list = PropertyList::parse(
+        binaryPropertyList::of({dictionary({1, 2, 3, 4}, {5, 6, 7, 8}), ascii("text"), ascii("yes"),
+                                ascii("no"), ascii("texts"), ascii("a text of more than fifteen bytes"),
+                                kTrue, kFalse, array({9, 6, 10}), ascii("a"), std::string("\x61\0\xFC", 3)}));
+    EXPECT_EQ(list.text("text"), "a text of more than fifteen bytes");
+    EXPECT_EQ(list.truth("yes"), true);
+    EXPECT_EQ(list.truth("no"), false);
+    EXPECT_EQ(list.texts("texts"), (std::vector<std::string>{"a", "ü"}));
+}
+
+TEST(PropertyList, WhatIsNotThereOrOfAnotherTypeIsAbsent) {
+    const auto list = PropertyList::parse(xmlPropertyList("<key>number</key><integer>1</integer>"));
+    for (const char* key : {"number", "none"}) {
+        EXPECT_EQ(list.text(key), std::nullopt);
+        EXPECT_EQ(list.truth(key), std::nullopt);
+        EXPECT_TRUE(list.texts(key).empty());
+    }
+}
+
+TEST(PropertyList, AnythingElseIsMalformed) {
+    for (const std::string& bytes :
+         {std::string(), std::string("text"), std::string("bplist00"), std::string("<plist/>"),
+          std::string("<plist><array/></plist>"), xmlPropertyList("<key>a"), std::string("{ a = b; }"),
+          std::string("<html><dict/></html>"), binaryPropertyList::of({}),
+          binaryPropertyList::of({array({})})}) {
+        SCOPED_TRACE(bytes);
+        EXPECT_EQ(errorOf(bytes), Kind::malformed);
+    }
+}
+
+TEST(PropertyList, ATooLargeOneIsMalformed) {
+    const auto list =
+        xmlPropertyList("<key>a</key><string>" + std::string(PropertyList::mostBytes, 'a') + "</string>");
+    EXPECT_EQ(errorOf(list), Kind::malformed);
+}
+
+TEST(PropertyList, AnEntityBombIsMalformed) {
+    EXPECT_EQ(
+        errorOf(
+            "<!DOCTYPE plist [<!ENTITY a 'b'>]><plist><dict><key>a</key><string>&a;</string></dict></plist>"),
+        Kind::malformed);
+}
+
+TEST(PropertyList, NestingWithoutEndIsMalformed) {
+    EXPECT_EQ(errorOf(repeated(100'000, "<array>")), Kind::malformed);
+    EXPECT_EQ(errorOf(xmlPropertyList("<key>a</key>" + repeated(600, "<array>") + repeated(600, "</array>"))),
+              Kind::malformed);
+    std::vector<std::string> objects = {dictionary({1}, {2}), ascii("a")};
+    EXPECT_EQ(errorOf(binaryPropertyList::of({dictionary({1}, {0}), ascii("a")})),
+              Kind::malformed);  // itself
+    EXPECT_EQ(errorOf(binaryPropertyList::of({dictionary({1}, {2}), ascii("a"), array({3}), array({2})})),
+              Kind::malformed);
+}
+
+TEST(PropertyList, ArraysThatMultiplyEachOtherAreMalformed) {
+    std::vector<std::string> objects = {dictionary({1}, {2}), ascii("a")};
+    for (int i = 3; i < 60; ++i) objects.push_back(array({i, i}));
+    objects.push_back(array({}));
+    EXPECT_EQ(errorOf(binaryPropertyList::of(objects)), Kind::malformed);
+}
+
+TEST(PropertyList, ATextThatStandsInManyPlacesIsMalformedOnceItTakesTooMuch) {
+    const auto listOf = [](int places) {
+        return binaryPropertyList::of({dictionary({1}, {2}), ascii("a"),
+                                       array(std::vector<int>(static_cast<std::size_t>(places), 3)),
+                                       ascii(std::string(50'000, 'x'))});
+    };
+    EXPECT_EQ(errorOf(listOf(100)), std::nullopt);
+    EXPECT_EQ(errorOf(listOf(10'000)), Kind::malformed);
+}
+
+TEST(PropertyList, TakesLittleMemoryWhateverItHolds) {
+    const auto most = PropertyList::mostBytes - 300;
+    const std::map<std::string, std::string> lists = {
+        {"many values",
+         xmlPropertyList("<key>a</key><array>" + repeated((most - 30) / 7, "<true/>") + "</array>")},
+        {"many keys", xmlPropertyList(repeated(most / 22, "<key>a</key><string/>"))},
+        {"one text", xmlPropertyList("<key>a</key><string>" + std::string(most - 100, 'a') + "</string>")},
+        {"a text in many places", binaryPropertyList::of({dictionary({1}, {2}), ascii("a"),
+                                                          array(std::vector<int>(60'000, 3)), ascii("x")})},
+    };
+    for (const auto& [what, bytes] : lists) {
+        SCOPED_TRACE(what);
+        EXPECT_LT(peakMemoryOf([&] { EXPECT_EQ(errorOf(bytes), std::nullopt); }),
+                  (std::size_t{50} << 20) * memoryFactor);
+    }
+}
+
+}  // namespace
+}  // namespace kestrin

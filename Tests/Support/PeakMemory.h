@@ -1,0 +1,38 @@
+// How much memory a piece of code takes at its highest.
+#pragma once
+
+#include <malloc.h>
+
+#include <cstddef>
+#include <fstream>
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+namespace kestrin {
+
+#ifdef __SANITIZE_ADDRESS__
+// The address sanitizer surrounds every allocation with guards and keeps what was freed.
+inline constexpr std::size_t memoryFactor = 4;
+#else
+inline constexpr std::size_t memoryFactor = 1;
+#endif
+
+// In bytes beyond what the process had before, as the kernel counts pages. Code that throws is an error of the test.
+inline std::size_t peakMemoryOf(const std::function<void()>& code) {
+    const auto kibibytes = [](const std::string& field) {
+        std::ifstream status("/proc/self/status");
+        for (std::string line; std::getline(status, line);) {
+            if (line.starts_with(field + ":")) return std::stoull(line.substr(field.size() + 1));
+        }
+        throw std::runtime_error("the kernel doesn't tell " + field);
+    };
+    malloc_trim(0);
+    std::ofstream("/proc/self/clear_refs") << "5" << std::flush;  // the highest count begins anew
+    const auto before = kibibytes("VmRSS");
+    code();
+    const auto highest = kibibytes("VmHWM");
+    return highest > before ? static_cast<std::size_t>(highest - before) * 1024 : 0;
+}
+
+}  // namespace kestrin
