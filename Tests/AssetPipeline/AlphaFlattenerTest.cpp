@@ -4,7 +4,7 @@
 
 #include "AssetPipeline/MediaInspector.h"
 #include "Tests/AssetPipeline/ColourProfiles.h"
-#include "Tests/AssetPipeline/MediaTools.h"
+#include "Tests/Support/MediaTools.h"
 #include "Tests/Support/PNGBytes.h"
 
 namespace kestrin {

@@ -2,7 +2,7 @@
 #include <sys/stat.h>
 
 #include "AssetPipeline/MediaInspector.h"
-#include "Tests/AssetPipeline/MediaTools.h"
+#include "Tests/Support/MediaTools.h"
 #include "Tests/Support/PNGBytes.h"
 #include "Tests/Support/Repeated.h"
 

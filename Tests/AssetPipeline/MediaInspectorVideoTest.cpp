@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "AssetPipeline/MediaInspector.h"
-#include "Tests/AssetPipeline/MediaTools.h"
+#include "Tests/Support/MediaTools.h"
 #include "Tests/Support/PNGBytes.h"
 
 namespace kestrin {

@@ -4,6 +4,7 @@
 #include "AssetPipeline/MediaHash.h"
 #include "AssetPipeline/MediaInspector.h"
 #include "KestrinCore/StableJSON.h"
+#include "Tests/Support/MediaTools.h"
 #include "Tests/Support/PNGBytes.h"
 #include "Tests/SyncEngine/Push/MediaPushWorld.h"
 
@@ -91,6 +92,24 @@ TEST(MediaPushEnsure, UploadsInFourMoves) {
               StableJSON::decode(
                   R"({"data":{"type":"appAssetLibraryImages","id":"NEW","attributes":{"uploaded":true}}})"));
     EXPECT_TRUE(world.time.slept.empty());
+}
+
+TEST(MediaPushEnsure, AVideoGoesUpAsItIsAndIsAVideoThroughout) {
+    const MediaTools tools;
+    MediaPushWorld world(wholeUpload());
+    world.folder.write("clip.mov", tools.folder.read(tools.clip("clip.mov")));
+
+    const auto asset =
+        world.context.ensureAsset("clip.mov", kMD5, {"IPHONE_67", "APP_PREVIEW"}, world.client);
+
+    EXPECT_EQ(asset, (RunState::Asset{"NEW", Kind::video}));
+    EXPECT_EQ(world.requests(),
+              "POST /v1/appAssetLibraryVideos\n"
+              "PUT https://up.example.test/1\n"
+              "PATCH /v1/appAssetLibraryVideos/NEW\n"
+              "GET /v1/appAssetLibraryVideos/NEW\n");
+    EXPECT_TRUE(std::holds_alternative<FileRange>(*world.server->sent[1].body));
+    EXPECT_EQ(world.body(0).find("previewFrameTimeCode"), std::string::npos);
 }
 
 TEST(MediaPushEnsure, AnAssetOfTheLibraryWithThisDigestIsTakenAndNothingIsUploaded) {

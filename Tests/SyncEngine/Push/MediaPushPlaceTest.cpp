@@ -1,4 +1,8 @@
 #include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <algorithm>
+#include <set>
 
 #include "KestrinCore/StableJSON.h"
 #include "Tests/SyncEngine/Push/MediaPushWorld.h"
@@ -7,6 +11,7 @@ namespace kestrin {
 namespace {
 
 using Kind = ASCLibraryAsset::Kind;
+using namespace std::string_literals;
 
 const StoreLocale kGerman{"de-DE"};
 const PlacementSlot kSlot{"IPHONE_67", "APP_SCREENSHOT"};
@@ -38,14 +43,30 @@ SlotPlacement slotOf(const std::string& desired, const std::string& existing,
             maxCount};
 }
 
-// Answers as the service does, and keeps what it was asked in short: "+A" a placement of A, "-pA" a deletion,
-// "=pA,pB" an order. New placements are "n1", "n2", …
+// Keeps one slot as the service does, and what it was asked in short: "+A" a placement of A, "-pA" a deletion, "=pA,pB"
+// an order. New placements are "n1", "n2", … and come to stand at the end.
 class PlacementServer {
  public:
+    explicit PlacementServer(std::vector<ExistingPlacement> held)
+        : slot(std::move(held)), fewest(slot.size()), most(slot.size()) {}
+
     ScriptedTransport::Step step() {
-        return [this](const HTTPRequest& request, const std::stop_token&) { return answer(request); };
+        return [this](const HTTPRequest& request, const std::stop_token&) {
+            auto reply = answer(request);
+            fewest = std::min(fewest, slot.size());
+            most = std::max(most, slot.size());
+            return reply;
+        };
     }
 
+    std::string assets() const {
+        std::string letters;
+        for (const auto& placement : slot) letters += placement.assetID;
+        return letters;
+    }
+
+    std::vector<ExistingPlacement> slot;
+    std::size_t fewest, most;  // that it held at any time
     std::string log;
 
  private:
@@ -53,32 +74,50 @@ class PlacementServer {
         const auto path = request.url.path();
         if (!log.empty()) log += " ";
         if (request.method == "DELETE") {
-            log += "-" + path.substr(path.rfind('/') + 1);
+            const auto id = path.substr(path.rfind('/') + 1);
+            log += "-" + id;
+            std::erase_if(slot, [&](const auto& placement) { return placement.placementID == id; });
             return {204, {}, ""};
         }
         const auto body = StableJSON::decode(std::get<std::string>(*request.body));
         const auto& relationships = member(body, {"data", "relationships"});
-        if (path == "/v1/appAssetLibraryPlacementOrderingRequests") {
-            std::string ids;
-            for (const auto& item : *member(relationships, {"orderedPlacements", "data"}).arrayValue())
-                ids += (ids.empty() ? "" : ",") + *member(item, {"id"}).stringValue();
-            log += "=" + ids;
-            return {201, {}, R"({"data":{"type":"o","id":"o"}})"};
+        return path == "/v1/appAssetLibraryPlacements" ? create(relationships) : order(relationships);
+    }
+
+    HTTPResponse create(const JSONValue& relationships) {
+        const auto asset = *member(relationships, {"image", "data", "id"}).stringValue();
+        const auto id = "n" + std::to_string(++made_);
+        log += "+" + asset;
+        slot.push_back({id, asset});
+        return {201, {}, R"({"data":{"type":"appAssetLibraryPlacements","id":")" + id + "\"}}"};
+    }
+
+    HTTPResponse order(const JSONValue& relationships) {
+        std::vector<ExistingPlacement> ordered;
+        std::string ids;
+        for (const auto& item : *member(relationships, {"orderedPlacements", "data"}).arrayValue()) {
+            const auto& id = *member(item, {"id"}).stringValue();
+            ids += (ids.empty() ? "" : ",") + id;
+            std::copy_if(slot.begin(), slot.end(), std::back_inserter(ordered),
+                         [&](const auto& placement) { return placement.placementID == id; });
         }
-        log += "+" + *member(relationships, {"image", "data", "id"}).stringValue();
-        return {201,
-                {},
-                R"({"data":{"type":"appAssetLibraryPlacements","id":"n)" + std::to_string(++made_) + "\"}}"};
+        slot = ordered;
+        log += "=" + ids;
+        return {201, {}, R"({"data":{"type":"o","id":"o"}})"};
     }
 
     int made_ = 0;
 };
 
-std::string requestsFor(const SlotPlacement& placement) {
-    PlacementServer server;
+PlacementServer afterPlacing(const SlotPlacement& placement) {
+    PlacementServer server(placement.existing);
     MediaPushWorld world(times(20, server.step()));
     world.context.place(placement, world.state, world.client);
-    return server.log;
+    return server;
+}
+
+std::string requestsFor(const SlotPlacement& placement) {
+    return afterPlacing(placement).log;
 }
 
 TEST(MediaPushPlace, TakesAsFewRequestsAsTheSlotNeeds) {
@@ -113,6 +152,37 @@ TEST(MediaPushPlace, TakesAsFewRequestsAsTheSlotNeeds) {
         SCOPED_TRACE(row.when);
         EXPECT_EQ(requestsFor(slotOf(row.wanted, row.held, row.maxCount)), row.requests);
     }
+}
+
+// Some of the letters, in any order. For use in a property.
+std::string arbitrarySome(std::string letters) {
+    for (auto left = letters.size(); left > 1; --left)
+        std::swap(letters[left - 1], letters[*rc::gen::inRange<std::size_t>(0, left)]);
+    letters.resize(*rc::gen::inRange<std::size_t>(0, letters.size() + 1));
+    return letters;
+}
+
+RC_GTEST_PROP(MediaPushPlace, WhateverASlotHoldsItEndsAsWantedWithinItsLimitAndWithoutAStepTooMuch, ()) {
+    const auto wantedLetters = arbitrarySome("ABCDEF");
+    const auto heldLetters = arbitrarySome("ABCDEFabcdef");
+    const auto room = *rc::gen::inRange<std::int64_t>(-1, 4);
+    const auto larger = std::max(std::ssize(wantedLetters), std::ssize(heldLetters));
+    const auto limit = room < 0 ? std::nullopt : std::optional<std::int64_t>(larger + room);
+    std::set<char> heldAssets;
+    for (const char letter : heldLetters) heldAssets.insert(static_cast<char>(std::toupper(letter)));
+    const auto kept = std::count_if(wantedLetters.begin(), wantedLetters.end(),
+                                    [&](char letter) { return heldAssets.contains(letter); });
+
+    const auto server = afterPlacing(slotOf(wantedLetters, heldLetters, limit));
+
+    const auto requests = [&](char mark) { return std::count(server.log.begin(), server.log.end(), mark); };
+    RC_ASSERT(server.assets() == wantedLetters);
+    RC_ASSERT(requests('+') == std::ssize(wantedLetters) - kept);
+    RC_ASSERT(requests('-') == std::ssize(heldLetters) - kept);
+    RC_ASSERT(requests('=') <= 1);
+    RC_ASSERT(!limit || static_cast<std::int64_t>(server.most) <= *limit);
+    RC_ASSERT(limit || server.fewest == std::min(wantedLetters.size(), heldLetters.size()));
+    RC_ASSERT(afterPlacing(slotOf(wantedLetters, wantedLetters, limit)).log.empty());
 }
 
 TEST(MediaPushPlace, AnAssetWantedTwiceAndHeldOnceIsKeptOnceAndNamedTwiceInTheOrder) {

@@ -1,4 +1,4 @@
-#include "Tests/AssetPipeline/MediaTools.h"
+#include "Tests/Support/MediaTools.h"
 
 #include <algorithm>
 #include <cstdlib>
