@@ -38,6 +38,7 @@ WaitNotes waitNotes(Console& console) {
     notes.tell = [&console](const std::string& what, std::chrono::minutes soFar) {
         console.note(fmt::format("{} ({} min so far)", what, soFar.count()));
     };
+    notes.now = commandClock();
     return notes;
 }
 

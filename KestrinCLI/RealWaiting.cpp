@@ -6,4 +6,8 @@ Sleep commandSleep() {
     return sleepOnSteadyClock;
 }
 
+Clock commandClock() {
+    return steadyNow;
+}
+
 }  // namespace kestrin

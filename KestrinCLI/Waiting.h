@@ -10,4 +10,7 @@ namespace kestrin {
 // KESTRIN_SANDBOX_WAITS=skip, so that a transcript of an hour of tries takes a second.
 Sleep commandSleep();
 
+// How long waits last, which counts those that were skipped.
+Clock commandClock();
+
 }  // namespace kestrin

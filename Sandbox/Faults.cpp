@@ -25,6 +25,7 @@ constexpr Word kWords[] = {
     {"truncate", Action::truncate, false},
     {"garbage", Action::garbage, false},
     {"empty", Action::empty, false},
+    {"ignore", Action::ignore, false},
 };
 
 [[noreturn]] void reject(std::string_view line, const std::string& why) {
@@ -96,6 +97,10 @@ HTTPReply plannedFailure(const Fault& fault) {
 
 }  // namespace
 
+bool Fault::acts() const {
+    return action != Action::dropBefore && action != Action::status && action != Action::ignore;
+}
+
 Fault Fault::parse(std::string_view line) {
     const auto equals = line.rfind('=');
     if (equals == std::string_view::npos) reject(line, "there is no \"=\"");
@@ -155,6 +160,7 @@ void Faults::apply(const Fault& fault, Answer& answer) {
             reply.body = "<html><body>We'll be back soon.</body></html>";
             break;
         case Action::empty:
+        case Action::ignore:
             reply.status = 200;
             reply.body.clear();
             break;

@@ -17,6 +17,7 @@
 //     truncate                act, answer with half of the body as if it were whole
 //     garbage                 act, answer 200 with a body that isn't JSON
 //     empty                   act, answer 200 with no body
+//     ignore                  don't act, answer 200 with no body
 //
 // All latencies that match add up; of the others the first that strikes counts.
 #pragma once
@@ -33,7 +34,7 @@
 namespace kestrin::sandbox {
 
 struct Fault {
-    enum class Action { latency, status, dropBefore, dropAfter, cut, truncate, garbage, empty };
+    enum class Action { latency, status, dropBefore, dropAfter, cut, truncate, garbage, empty, ignore };
 
     static constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 
@@ -44,6 +45,9 @@ struct Fault {
     std::size_t value = 0;   // milliseconds, a status, bytes
     std::string retryAfter;  // of a status; "" for none
     std::string text;        // the line that it was read from
+
+    // Whether the service does what the request asks for.
+    bool acts() const;
 
     // Throws std::invalid_argument, naming what is wrong with the line.
     static Fault parse(std::string_view line);

@@ -73,11 +73,10 @@ Answer Service::answer(const HTTPRequest& request) {
     answer.wire.delay = strike.latency;
     if (strike.fault != nullptr) entry.fault = strike.fault->text;
 
-    const bool acts = strike.fault == nullptr || (strike.fault->action != Fault::Action::dropBefore &&
-                                                  strike.fault->action != Fault::Action::status);
+    const bool acts = strike.fault == nullptr || strike.fault->acts();
     if (acts) answer.reply = respond(request, entry);
     if (strike.fault != nullptr) Faults::apply(*strike.fault, answer);
-    if (acts || strike.fault->action == Fault::Action::status) entry.status = answer.reply.status;
+    if (acts || strike.fault->action != Fault::Action::dropBefore) entry.status = answer.reply.status;
 
     // What follows on a connection can't be told from a body that wasn't read.
     if (request.method == "GET" && bearsBody(request)) answer.wire.closeAfterwards = true;

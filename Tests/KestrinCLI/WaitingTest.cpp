@@ -15,6 +15,14 @@ TEST(SandboxWaiting, IsSkippedWhenTheEnvironmentSaysSo) {
     commandSleep()(kTooLongForATest, {});
 }
 
+TEST(SandboxWaiting, CountsAsTimeThoughItWasSkipped) {
+    const EnvironmentVariable waits("KESTRIN_SANDBOX_WAITS", "skip");
+    const auto clock = commandClock();
+    const auto before = clock();
+    commandSleep()(kTooLongForATest, {});
+    EXPECT_GE(clock() - before, kTooLongForATest);
+}
+
 TEST(SandboxWaiting, StillEndsWithAStop) {
     const EnvironmentVariable waits("KESTRIN_SANDBOX_WAITS", "skip");
     std::stop_source source;

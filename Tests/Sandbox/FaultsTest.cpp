@@ -82,6 +82,20 @@ TEST_F(FaultyService, SpoilsBodies) {
     EXPECT_EQ(empty.body, "");
 }
 
+TEST_F(FaultyService, PromisesWhatItDoesNotDo) {
+    const std::string type = "appCustomProductPages";
+    const auto page = idOf(type, {{"name", "Autumn"}});
+    const auto path = "/v1/appCustomProductPages/" + page;
+    sandbox.service().addFault("PATCH *=ignore");
+    const auto promised = patch(path, updateBody(type, page, {{"name", "Spring"}}));
+    EXPECT_EQ(promised.status, 200);
+    EXPECT_EQ(promised.body, "");
+    EXPECT_EQ(sandbox.service().log().entries().back().status, 200);
+    const auto name =
+        sandbox.service().with([&](State& state) { return state.store.find(type, page)->text("name"); });
+    EXPECT_EQ(name, "Autumn");
+}
+
 TEST_F(FaultyService, TellsWhatIsArmed) {
     sandbox.service().addFault("*#3=drop-after");
     EXPECT_THROW(sandbox.service().addFault("*=burn"), std::invalid_argument);
