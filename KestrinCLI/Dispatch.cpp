@@ -5,6 +5,7 @@
 #include <string>
 
 #include "KestrinCLI/APICommands.h"
+#include "KestrinCLI/BuildCommands.h"
 #include "KestrinCLI/Failure.h"
 #include "KestrinCLI/FastlaneCommands.h"
 #include "KestrinCLI/LocalCommands.h"
@@ -51,9 +52,9 @@ constexpr Command kCommands[] = {
     {"diff",    "",         exactly(2),            "diff needs exactly one project path",                           SyncCommands::diff},
     {"verify",  "",         exactly(2),            "verify needs exactly one project path",                         SyncCommands::verify},
     {"push",    "",         atLeast(2),            "push needs a project path",                                     SyncCommands::push},
-    {"build",   "upload",   atLeast(4),            "usage: kestrin build upload <project.kestrin> <file.ipa|.pkg>", nullptr},
-    {"build",   "list",     atLeast(3),            "usage: kestrin build list <project.kestrin>",                   nullptr},
-    {"build",   "attach",   atLeast(4),            "usage: kestrin build attach <project.kestrin> <build number>",  nullptr},
+    {"build",   "upload",   atLeast(4),            "usage: kestrin build upload <project.kestrin> <file.ipa|.pkg>", BuildCommands::upload},
+    {"build",   "list",     atLeast(3),            "usage: kestrin build list <project.kestrin>",                   BuildCommands::list},
+    {"build",   "attach",   atLeast(4),            "usage: kestrin build attach <project.kestrin> <build number>",  BuildCommands::attach},
     {"version", "create",   atLeast(4),            "usage: kestrin version create <project.kestrin> <version>",     ReleaseCommands::createVersion},
     {"submit",  "",         atLeast(2),            "usage: kestrin submit <project.kestrin>",                       ReleaseCommands::submit},
     {"pages",   "",         exactly(2),            "usage: kestrin pages <project.kestrin>",                        ReleaseCommands::pages},
@@ -74,15 +75,8 @@ constexpr Command kCommands[] = {
 };
 // clang-format on
 
-std::string wordsOf(const Command& command) {
-    std::string words(command.word);
-    if (!command.secondWord.empty()) words.append(" ").append(command.secondWord);
-    return words;
-}
-
 int runCommand(const Command& command, const Arguments& args, Console& console) {
     if (!command.needs.areMet(args)) fail(std::string(command.message));
-    if (command.run == nullptr) fail(wordsOf(command) + " isn't available in this version yet");
     return command.run(args, console);
 }
 

@@ -31,7 +31,7 @@ struct Command {
         secondWord;  // without a second word, whatever stands there is the command's business
     ArgumentNeeds needs;
     std::string_view message;  // the failure when the needs aren't met
-    CommandHandler run;        // null: this version can't do it yet, and says so
+    CommandHandler run;
 
     bool matches(const Arguments& args) const;
 };

@@ -170,24 +170,6 @@ TEST(Dispatch, WritesARefusalBehindTheNameOfTheProgram) {
     EXPECT_EQ(runOf({"api", "POST", "/v1/apps"}), (Ended{1, "", "kestrin: usage: kestrin api GET /v1/…\n"}));
 }
 
-TEST(Dispatch, SaysOfACommandThatItIsNotAvailableYet) {
-    struct Row {
-        Arguments args;
-        const char* words;
-    };
-    const Row rows[] = {
-        {{"build", "upload", "p", "f"}, "build upload"},
-        {{"build", "list", "p"}, "build list"},
-        {{"build", "attach", "p", "1"}, "build attach"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.words);
-        EXPECT_EQ(
-            runOf(row.args),
-            (Ended{1, "", "kestrin: " + std::string(row.words) + " isn't available in this version yet\n"}));
-    }
-}
-
 TEST(Dispatch, RefusesAWordThatIsNotUTF8BeforeAnythingElse) {
     EXPECT_EQ(runOf({"help", "\xFF"}), (Ended{1, "", "kestrin: the argument “�” isn't UTF-8 text\n"}));
 }

@@ -1,4 +1,4 @@
-#include "Tests/AssetPipeline/BuildArchive/ArchiveBytes.h"
+#include "Tests/Support/ArchiveBytes.h"
 
 #include <zlib.h>
 

@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include "KestrinCore/FileError.h"
-#include "Tests/AssetPipeline/BuildArchive/ArchiveBytes.h"
 #include "Tests/AssetPipeline/BuildArchive/ArchiveErrors.h"
+#include "Tests/Support/ArchiveBytes.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace kestrin {

@@ -4,8 +4,8 @@
 #include <fstream>
 
 #include "AssetPipeline/BuildArchive/BuildArchiveInspector.h"
-#include "Tests/AssetPipeline/BuildArchive/ArchiveBytes.h"
 #include "Tests/AssetPipeline/BuildArchive/ArchiveErrors.h"
+#include "Tests/Support/ArchiveBytes.h"
 #include "Tests/Support/PeakMemory.h"
 #include "Tests/Support/Repeated.h"
 #include "Tests/Support/TemporaryFolder.h"

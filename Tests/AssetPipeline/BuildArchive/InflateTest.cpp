@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "Tests/AssetPipeline/BuildArchive/ArchiveBytes.h"
 #include "Tests/AssetPipeline/BuildArchive/ArchiveErrors.h"
+#include "Tests/Support/ArchiveBytes.h"
 #include "Tests/Support/Generators.h"
 #include "Tests/Support/PeakMemory.h"
 #include "Tests/Support/Repeated.h"

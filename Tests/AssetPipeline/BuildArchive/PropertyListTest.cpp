@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "Tests/AssetPipeline/BuildArchive/ArchiveBytes.h"
 #include "Tests/AssetPipeline/BuildArchive/ArchiveErrors.h"
+#include "Tests/Support/ArchiveBytes.h"
 #include "Tests/Support/PeakMemory.h"
 #include "Tests/Support/Repeated.h"
 
