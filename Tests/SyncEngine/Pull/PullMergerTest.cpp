@@ -10,6 +10,7 @@
 #include "SyncEngine/Content/ContentValue.h"
 #include "SyncEngine/Diff/DiffEngine.h"
 #include "Tests/Support/Generators.h"
+#include "Tests/SyncEngine/Remote/ListingOf.h"
 
 namespace kestrin {
 namespace {
@@ -24,15 +25,6 @@ Project projectWith(const std::string& value) {
     Project project;
     ContentGraph::set(value, kText, project);
     return project;
-}
-
-RemoteListing listingOf(const Project& project) {
-    RemoteListing listing;
-    listing.app = project.app;
-    listing.platforms = project.platforms;
-    listing.pages = project.pages;
-    listing.experiments = project.experiments;
-    return listing;
 }
 
 TEST(PullMerger, DecidesEachValueByWhichSideMoved) {

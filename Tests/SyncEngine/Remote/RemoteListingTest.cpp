@@ -4,22 +4,13 @@
 
 #include "ASCKit/Resources/CustomProductPages.h"
 #include "Tests/SyncEngine/Content/SampleListing.h"
+#include "Tests/SyncEngine/Remote/ListingOf.h"
 
 namespace kestrin {
 namespace {
 
-RemoteListing sampleListing() {
-    const auto project = sample::project();
-    RemoteListing listing;
-    listing.app = project.app;
-    listing.platforms = project.platforms;
-    listing.pages = project.pages;
-    listing.experiments = project.experiments;
-    return listing;
-}
-
 TEST(RemoteListing, ItsProjectHasItsContentUnderAManifestOfNoMeaning) {
-    const auto listing = sampleListing();
+    const auto listing = listingOf(sample::project());
     auto project = listing.project();
     const auto& manifest = project.manifest;
     EXPECT_NE(manifest.projectID, listing.project().manifest.projectID) << "a fresh one each time";
@@ -32,7 +23,7 @@ TEST(RemoteListing, ItsProjectHasItsContentUnderAManifestOfNoMeaning) {
 }
 
 TEST(RemoteListing, ItsValuesAreThoseOfItsContentWhateverTheManifest) {
-    EXPECT_EQ(sampleListing().values(), ContentGraph::flatten(sample::project()));
+    EXPECT_EQ(listingOf(sample::project()).values(), ContentGraph::flatten(sample::project()));
     EXPECT_TRUE(RemoteListing{}.values().empty());
 }
 
