@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "ASCKit/Credentials/EnvironmentCredentials.h"
+#include "KestrinCLI/Network.h"
 #include "KestrinCLI/Waiting.h"
 
 namespace kestrin {
@@ -30,7 +31,8 @@ ASCClient makeClient(Console& console) {
     ASCClient::Options options;
     options.sleep = commandSleep();
     options.waitNotes = waitNotes(console);
-    return ASCClient(EnvironmentCredentials::load(processEnvironment()), std::move(options));
+    TokenProvider tokens(JWTSigner(EnvironmentCredentials::load(processEnvironment())));
+    return ASCClient(std::move(tokens), commandTransport(), std::move(options));
 }
 
 WaitNotes waitNotes(Console& console) {

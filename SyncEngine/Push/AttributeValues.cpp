@@ -20,7 +20,7 @@ JSONObject attributes(const std::map<VersionAttribute, std::string>& values) {
     return texts(values);
 }
 
-JSONObject attributes(const std::map<ReviewAttribute, std::string>& values) {
+JSONObject reviewAttributes(const std::map<ReviewAttribute, std::string>& values) {
     auto object = texts(values);
     const auto required = values.find(ReviewAttribute::demoAccountRequired);
     if (required != values.end() && !required->second.empty()) {

@@ -15,9 +15,9 @@ inline JSONValue text(const std::string& value) {
     return value.empty() ? JSONValue() : JSONValue(value);
 }
 
-// Each value under the name of its attribute. Of App Review, whether a demo account is required is a truth value.
+// Each value under the name of its attribute. For App Review, whether a demo account is required is a truth value.
 JSONObject attributes(const std::map<ListingField, std::string>& values);
 JSONObject attributes(const std::map<VersionAttribute, std::string>& values);
-JSONObject attributes(const std::map<ReviewAttribute, std::string>& values);
+JSONObject reviewAttributes(const std::map<ReviewAttribute, std::string>& values);
 
 }  // namespace kestrin::AttributeValues

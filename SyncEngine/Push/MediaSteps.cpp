@@ -89,6 +89,11 @@ class Contexts {
     const RemoteListing& listing;
 };
 
+// Nothing for a key that isn't one of media, and for media that have nowhere to go.
+std::optional<PlacementContext> placementContext(const ContentKey& key, const RemoteListing& listing) {
+    return std::visit(Contexts(listing), key.kind());
+}
+
 // Placements and items side by side, to the end of the shorter list.
 std::vector<ExistingPlacement> existing(const PlacementContext& context) {
     std::vector<ExistingPlacement> found;
@@ -116,7 +121,7 @@ Steps mediaSteps(const std::vector<Change>& changes, const RemoteListing& listin
     Steps slots;
     std::set<std::string> seen;
     for (const auto& change : sorted) {
-        auto context = std::visit(Contexts(listing), change.key.kind());
+        auto context = placementContext(change.key, listing);
         if (!context) continue;
         auto desired = ContentGraph::mediaItems(change.local, {});
         for (const auto& item : desired) {

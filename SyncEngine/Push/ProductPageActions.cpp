@@ -41,84 +41,85 @@ ASC::NewPageLocalization newLocalization(const StoreLocale& locale, const std::s
 
 // The reply to the create names neither the version nor the localizations that came with the page, and later steps
 // need their ids.
-void ProductPageActions::operator()(const PushStep::CreateCustomPage& action) {
+void performProductPage(const PushStep::CreateCustomPage& action, RunState& state, ASCClient& client) {
     ASC::NewCustomProductPage page{action.appID, action.name, action.deepLink};
     for (const auto& [locale, text] : action.localizations)
         page.localizations.push_back(newLocalization(locale, text));
-    const auto created = ASC::createCustomProductPage(client_, page);
+    const auto created = ASC::createCustomProductPage(client, page);
 
-    const auto versions = ASC::customProductPageVersions(client_, created.id);
+    const auto versions = ASC::customProductPageVersions(client, created.id);
     if (versions.empty()) {
         throw ASCError(ASCError::InvalidResponse{"/v1/appCustomProductPages/" + created.id +
                                                  "/appCustomProductPageVersions"});
     }
     const auto& versionID = versions.front().id;
-    state_.pages.insert_or_assign(action.page, RunState::Page{created.id, versionID});
-    for (const auto& localization : ASC::customProductPageLocalizations(client_, versionID)) {
+    state.pages.insert_or_assign(action.page, RunState::Page{created.id, versionID});
+    for (const auto& localization : ASC::customProductPageLocalizations(client, versionID)) {
         const auto key = RunState::pageLocalizationKey(action.page, {localization.locale});
-        state_.pageLocalizations.insert_or_assign(key, localization.id);
+        state.pageLocalizations.insert_or_assign(key, localization.id);
     }
 }
 
-void ProductPageActions::operator()(const PushStep::UpdateCustomPage& action) {
+void performProductPage(const PushStep::UpdateCustomPage& action, RunState& state, ASCClient& client) {
     JSONObject attributes;
     if (action.name) attributes.emplace("name", *action.name);
     if (action.visible) attributes.emplace("visible", *action.visible);
-    ASC::update(client_,
-                {.type = "appCustomProductPages", .id = pageID(action, state_), .attributes = attributes});
+    ASC::update(client,
+                {.type = "appCustomProductPages", .id = pageID(action, state), .attributes = attributes});
 }
 
-void ProductPageActions::operator()(const PushStep::UpdateCustomPageVersion& action) {
-    ASC::update(client_, {.type = "appCustomProductPageVersions",
-                          .id = action.id,
-                          .attributes = {{"deepLink", AttributeValues::text(action.deepLink)}}});
+void performProductPage(const PushStep::UpdateCustomPageVersion& action, RunState&, ASCClient& client) {
+    ASC::update(client, {.type = "appCustomProductPageVersions",
+                         .id = action.id,
+                         .attributes = {{"deepLink", AttributeValues::text(action.deepLink)}}});
 }
 
-void ProductPageActions::operator()(const PushStep::UpdateCustomPageLocalization& action) {
-    ASC::update(client_,
-                {.type = "appCustomProductPageLocalizations",
-                 .id = action.id,
-                 .attributes = {{"promotionalText", AttributeValues::text(action.promotionalText)}}});
+void performProductPage(const PushStep::UpdateCustomPageLocalization& action, RunState&, ASCClient& client) {
+    ASC::update(client, {.type = "appCustomProductPageLocalizations",
+                         .id = action.id,
+                         .attributes = {{"promotionalText", AttributeValues::text(action.promotionalText)}}});
 }
 
-void ProductPageActions::operator()(const PushStep::CreateCustomPageLocalization& action) {
+void performProductPage(const PushStep::CreateCustomPageLocalization& action, RunState& state,
+                        ASCClient& client) {
     const auto created = ASC::createCustomProductPageLocalization(
-        client_, action.versionID, newLocalization(action.locale, action.promotionalText));
+        client, action.versionID, newLocalization(action.locale, action.promotionalText));
     const auto key = RunState::pageLocalizationKey(action.page, action.locale);
-    state_.pageLocalizations.insert_or_assign(key, created.id);
+    state.pageLocalizations.insert_or_assign(key, created.id);
 }
 
-void ProductPageActions::operator()(const PushStep::CreateExperiment& action) {
+void performProductPage(const PushStep::CreateExperiment& action, RunState& state, ASCClient& client) {
     const auto created = ASC::createExperiment(
-        client_, {action.appID, action.name, action.platform.rawValue, action.trafficProportion});
-    state_.experiments.insert_or_assign(action.experiment, created.id);
+        client, {action.appID, action.name, action.platform.rawValue, action.trafficProportion});
+    state.experiments.insert_or_assign(action.experiment, created.id);
 }
 
-void ProductPageActions::operator()(const PushStep::UpdateExperiment& action) {
-    ASC::updateExperiment(client_, action.id,
+void performProductPage(const PushStep::UpdateExperiment& action, RunState&, ASCClient& client) {
+    ASC::updateExperiment(client, action.id,
                           {.name = action.name, .trafficProportion = action.trafficProportion});
 }
 
-void ProductPageActions::operator()(const PushStep::CreateTreatment& action) {
+void performProductPage(const PushStep::CreateTreatment& action, RunState& state, ASCClient& client) {
     const auto created =
-        ASC::createTreatment(client_, {experimentID(action, state_), action.name, action.appIconName});
+        ASC::createTreatment(client, {experimentID(action, state), action.name, action.appIconName});
     const auto key = RunState::treatmentKey(action.experiment, action.treatment);
-    state_.treatments.insert_or_assign(key, created.id);
+    state.treatments.insert_or_assign(key, created.id);
 }
 
-void ProductPageActions::operator()(const PushStep::UpdateTreatment& action) {
+void performProductPage(const PushStep::UpdateTreatment& action, RunState&, ASCClient& client) {
     JSONObject attributes;
     if (action.name) attributes.emplace("name", *action.name);
     if (action.appIconName) attributes.emplace("appIconName", AttributeValues::text(*action.appIconName));
-    ASC::update(client_,
+    ASC::update(client,
                 {.type = "appStoreVersionExperimentTreatments", .id = action.id, .attributes = attributes});
 }
 
-void ProductPageActions::operator()(const PushStep::CreateTreatmentLocalization& action) {
+void performProductPage(const PushStep::CreateTreatmentLocalization& action, RunState& state,
+                        ASCClient& client) {
     const auto created =
-        ASC::createTreatmentLocalization(client_, treatmentID(action, state_), action.locale.rawValue);
+        ASC::createTreatmentLocalization(client, treatmentID(action, state), action.locale.rawValue);
     const auto key = RunState::treatmentLocalizationKey(action.experiment, action.treatment, action.locale);
-    state_.treatmentLocalizations.insert_or_assign(key, created.id);
+    state.treatmentLocalizations.insert_or_assign(key, created.id);
 }
 
 }  // namespace kestrin

@@ -8,25 +8,19 @@
 namespace kestrin {
 
 // Performs one action. An id that the action doesn't carry is one that this run has made: it is looked up in the run
-// state, and what isn't there is PushStepError::MissingParent.
-class ProductPageActions {
- public:
-    ProductPageActions(ASCClient& ascClient, RunState& runState) : client_(ascClient), state_(runState) {}
-
-    void operator()(const PushStep::CreateCustomPage& action);
-    void operator()(const PushStep::UpdateCustomPage& action);
-    void operator()(const PushStep::UpdateCustomPageVersion& action);
-    void operator()(const PushStep::UpdateCustomPageLocalization& action);
-    void operator()(const PushStep::CreateCustomPageLocalization& action);
-    void operator()(const PushStep::CreateExperiment& action);
-    void operator()(const PushStep::UpdateExperiment& action);
-    void operator()(const PushStep::CreateTreatment& action);
-    void operator()(const PushStep::UpdateTreatment& action);
-    void operator()(const PushStep::CreateTreatmentLocalization& action);
-
- private:
-    ASCClient& client_;
-    RunState& state_;
-};
+// state, and what isn't there is PushStepError::MissingParent. What an action makes is in the state afterwards.
+void performProductPage(const PushStep::CreateCustomPage& action, RunState& state, ASCClient& client);
+void performProductPage(const PushStep::UpdateCustomPage& action, RunState& state, ASCClient& client);
+void performProductPage(const PushStep::UpdateCustomPageVersion& action, RunState& state, ASCClient& client);
+void performProductPage(const PushStep::UpdateCustomPageLocalization& action, RunState& state,
+                        ASCClient& client);
+void performProductPage(const PushStep::CreateCustomPageLocalization& action, RunState& state,
+                        ASCClient& client);
+void performProductPage(const PushStep::CreateExperiment& action, RunState& state, ASCClient& client);
+void performProductPage(const PushStep::UpdateExperiment& action, RunState& state, ASCClient& client);
+void performProductPage(const PushStep::CreateTreatment& action, RunState& state, ASCClient& client);
+void performProductPage(const PushStep::UpdateTreatment& action, RunState& state, ASCClient& client);
+void performProductPage(const PushStep::CreateTreatmentLocalization& action, RunState& state,
+                        ASCClient& client);
 
 }  // namespace kestrin

@@ -31,37 +31,34 @@ bool isConflict(const ASCError& error) {
     return http && http->status == kConflict;
 }
 
-// Performs one action; what it makes is in the run state afterwards.
-class Actions : public ProductPageActions {
+// Performs the actions of one run.
+class Actions {
  public:
-    Actions(const PushExecutor& executor, RunState& state)
-        : ProductPageActions(executor.client, state), executor_(executor), state_(state) {}
+    explicit Actions(const PushExecutor& executor) : executor_(executor) {}
 
-    using ProductPageActions::operator();
-
-    void operator()(const PushStep::UpdateAppInfoLocalization& action) {
+    void perform(const PushStep::UpdateAppInfoLocalization& action) {
         update("appInfoLocalizations", action.id, attributes(action.values));
     }
 
-    void operator()(const PushStep::CreateAppInfoLocalization& action) {
+    void perform(const PushStep::CreateAppInfoLocalization& action) {
         create("appInfoLocalizations", withLocale(attributes(action.values), action.locale),
                {{"appInfo", ASC::relationship("appInfos", action.appInfoID)}});
     }
 
-    void operator()(const PushStep::UpdateVersionLocalization& action) {
+    void perform(const PushStep::UpdateVersionLocalization& action) {
         update("appStoreVersionLocalizations", action.id, attributes(action.values));
     }
 
-    void operator()(const PushStep::CreateVersionLocalization& action) {
+    void perform(const PushStep::CreateVersionLocalization& action) {
         const auto key = RunState::versionLocalizationKey(action.versionID, action.locale);
         state_.versionLocalizations.insert_or_assign(key, createdOrUpdated(action));
     }
 
-    void operator()(const PushStep::UpdateVersion& action) {
+    void perform(const PushStep::UpdateVersion& action) {
         update("appStoreVersions", action.id, attributes(action.values));
     }
 
-    void operator()(const PushStep::UpdateCategories& action) {
+    void perform(const PushStep::UpdateCategories& action) {
         JSONObject relationships;
         if (action.primary) relationships.emplace("primaryCategory", categoryRelationship(*action.primary));
         if (action.secondary)
@@ -70,23 +67,25 @@ class Actions : public ProductPageActions {
                     {.type = "appInfos", .id = action.appInfoID, .relationships = relationships});
     }
 
-    void operator()(const PushStep::EnsureAsset& action) {
+    void perform(const PushStep::EnsureAsset& action) {
         const auto asset = media().ensureAsset(action.path, action.md5, action.slot, executor_.client);
         state_.assets.insert_or_assign(action.md5, asset);
     }
 
-    void operator()(const PushStep::PlaceMedia& action) {
+    void perform(const PushStep::PlaceMedia& action) {
         media().place(action.placement, state_, executor_.client);
     }
 
-    void operator()(const PushStep::UpdateReviewDetail& action) {
-        update("appStoreReviewDetails", action.id, attributes(action.values));
+    void perform(const PushStep::UpdateReviewDetail& action) {
+        update("appStoreReviewDetails", action.id, AttributeValues::reviewAttributes(action.values));
     }
 
-    void operator()(const PushStep::CreateReviewDetail& action) {
-        create("appStoreReviewDetails", attributes(action.values),
+    void perform(const PushStep::CreateReviewDetail& action) {
+        create("appStoreReviewDetails", AttributeValues::reviewAttributes(action.values),
                {{"appStoreVersion", ASC::relationship("appStoreVersions", action.versionID)}});
     }
+
+    void perform(const auto& action) { performProductPage(action, state_, executor_.client); }
 
  private:
     void update(const char* type, const std::string& id, JSONObject values) {
@@ -99,8 +98,7 @@ class Actions : public ProductPageActions {
             {.type = type, .attributes = std::move(values), .relationships = std::move(relationships)});
     }
 
-    // A localization can exist that the listing didn't show: the service adds one to a version on its own when the
-    // app info gets the locale.
+    // A localization can exist that the listing didn't show: somebody has made it since.
     std::string createdOrUpdated(const PushStep::CreateVersionLocalization& action) {
         try {
             return create("appStoreVersionLocalizations",
@@ -130,21 +128,20 @@ class Actions : public ProductPageActions {
     }
 
     const PushExecutor& executor_;
-    RunState& state_;
+    RunState state_;
 };
 
 }  // namespace
 
 std::vector<PushStep> PushExecutor::run(const std::vector<PushStep>& steps,
                                         const PushEventHandler& onEvent) const {
-    RunState state;
-    Actions perform(*this, state);
+    Actions actions(*this);
     std::vector<PushStep> completed;
     for (const auto& step : steps) {
         throwIfStopped(stop);
         onEvent({PushEvent::Started{step}});
         try {
-            std::visit(perform, step.action);
+            std::visit([&](const auto& action) { actions.perform(action); }, step.action);
         } catch (const std::exception& error) {
             const auto sentence = text::repaired(error.what());
             onEvent({PushEvent::Failed{step, sentence}});

@@ -5,6 +5,7 @@
 #include "SyncEngine/Pull/SyncError.h"
 #include "SyncEngine/Push/ProjectPusher.h"
 #include "SyncEngine/Push/PushError.h"
+#include "Tests/Support/SupervisedProcess.h"
 #include "Tests/SyncEngine/Push/PusherWorld.h"
 #include "Tests/SyncEngine/Push/StepText.h"
 
@@ -269,6 +270,43 @@ TEST(ProjectPusherPush, AStopEndsItAtOnceWithoutReadBackOrState) {
                  Cancelled);
     EXPECT_EQ(world.paths().size(), look + 1) << "the one write that was on its way";
     EXPECT_FALSE(world.hasState());
+}
+
+// The files of the state, by their names.
+std::map<std::string, std::string> stateFiles(const World& world) {
+    std::map<std::string, std::string> files;
+    for (const auto& [path, bytes] : world.folder.files()) {
+        const auto name = path.substr(path.rfind('/') + 1);
+        if (name == "base.json" || name == "remote-ids.json" || name == "remote-assets.json")
+            files[name] = bytes;
+    }
+    return files;
+}
+
+TEST(ProjectPusherPush, AProcessThatEndsWhileItRemembersLeavesEachFileOldOrNew) {
+    World world;
+    world.store.saveBase({{kCopyright, "2025"}, {kWhatsNew, "Alt"}}, world.id());
+    world.store.saveRemoteIDs({}, world.id());
+    world.store.saveRemoteAssets({{"A", {}}}, world.id());
+    const auto review = world.review();
+    const auto push = [&] { world.push(review, {kCopyright, kWhatsNew}); };
+    const auto before = stateFiles(world);
+    const auto calls = supervise(push).calls.size();
+    const auto after = stateFiles(world);
+    EXPECT_GT(calls, 0u);
+    ASSERT_EQ(before.size(), 3u);
+    for (std::size_t end = 0; end < calls; ++end) {
+        for (const auto& [name, bytes] : before)
+            world.folder.write("state/" + world.id().text() + "/" + name, bytes);
+        const auto judge = [&](std::size_t call, const std::string&) {
+            return call == end ? Verdict::kill() : Verdict::proceed();
+        };
+        EXPECT_TRUE(supervise(push, judge).wasKilled);
+        for (const auto& [name, bytes] : stateFiles(world)) {
+            EXPECT_NE(before.at(name), after.at(name));
+            EXPECT_TRUE(bytes == before.at(name) || bytes == after.at(name)) << name << " at call " << end;
+        }
+    }
 }
 
 TEST(ProjectPusherPush, ListensToEveryStep) {

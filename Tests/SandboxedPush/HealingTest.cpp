@@ -1,0 +1,261 @@
+// Whatever happens on the way of a long push, and at whichever of its requests: the message is right, what is
+// remembered is true, nothing is uploaded twice, and pushing again ends as if nothing had happened.
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "SyncEngine/Content/FlatValues.h"
+#include "Tests/SandboxedPush/LongPush.h"
+
+namespace kestrin {
+namespace {
+
+using Kind = Trouble::Kind;
+
+constexpr const char* kReserve = "POST /v1/appAssetLibraryImages";
+constexpr const char* kPart = "PUT /uploads/";
+constexpr const char* kCommit = "PATCH /v1/appAssetLibraryImages/";
+
+std::size_t ticksIn(const std::string& output) {
+    std::size_t ticks = 0;
+    for (auto at = output.find("  ✓ "); at != std::string::npos; at = output.find("  ✓ ", at + 1)) ++ticks;
+    return ticks;
+}
+
+// A long push that nothing disturbs, and where it leads.
+struct Undisturbed {
+    StartingPoint start = LongPush::start();
+    std::string remoteBefore, remoteAfter;
+    std::map<std::string, std::string> remoteBesides;  // afterwards, but for the upload of that name
+    FlatValues baseBefore;
+    RemoteIDs idsBefore;
+    std::vector<std::string> requests;  // "POST /v1/appInfoLocalizations"; the first has the number 1
+    std::size_t firstWrite = 0;         // what comes before is the review
+    std::size_t readBack = 0;           // the number of its first request
+    std::size_t writes = 0;             // steps of the plan
+
+    Undisturbed() {
+        PushStage stage(start);
+        const auto id = stage.project().manifest.projectID;
+        baseBefore = *stage.store().base(id);
+        idsBefore = *stage.store().remoteIDs(id);
+        remoteBefore = stage.remoteContent();
+        const auto ended = stage.push();
+        EXPECT_EQ(ended.status, 0) << ended.output << ended.errors;
+        remoteAfter = stage.remoteContent();
+        for (const auto& [file, states] : stage.uploads()) remoteBesides[file] = stage.remoteContent(file);
+        requests = stage.remote().log().lines();
+        writes = ticksIn(ended.output);
+        for (std::size_t n = 1; n <= requests.size(); ++n) {
+            if (requests[n - 1].starts_with("GET /v1/apps/1234567890?")) readBack = n;
+            if (firstWrite == 0 && !requests[n - 1].starts_with("GET")) firstWrite = n;
+        }
+        EXPECT_EQ(stage.run({"verify", stage.package()}).status, 0);
+    }
+
+    const std::string& request(std::size_t place) const { return requests.at(place - 1); }
+    bool isOfReview(std::size_t place) const { return place < firstWrite; }
+    bool isOfPlan(std::size_t place) const { return place >= firstWrite && place < readBack; }
+};
+
+const Undisturbed& undisturbed() {
+    static const Undisturbed run;
+    return run;
+}
+
+// Sent again until it gets through, but never a POST: the service may have acted on it.
+bool isSentAgain(const Trouble& trouble, const std::string& request) {
+    return trouble.kind == Kind::lostReply && !trouble.lasts && !request.starts_with("POST");
+}
+
+// Whether an asset is left in the library under the name of a file whose bytes it doesn't have.
+bool leavesAnEmptyAsset(const Trouble& trouble, const std::string& request) {
+    const bool isActedOn = trouble.kind == Kind::lostReply || trouble.kind == Kind::killedAfter;
+    if (request == kReserve) return isActedOn;
+    if (request.starts_with(kPart)) return !isSentAgain(trouble, request);
+    return request.starts_with(kCommit) && !isActedOn;
+}
+
+class Healing : public testing::TestWithParam<Trouble> {
+ protected:
+    const Undisturbed& expected = undisturbed();
+
+    // The push, with trouble at one of its requests.
+    Ended disturbedPush(PushStage& stage, std::size_t place) {
+        stage.trouble().arm(GetParam(), place);
+        auto ended = stage.push();
+        stage.trouble().disarm();
+        return ended;
+    }
+
+    // How the error begins; "" where the client comes through by itself.
+    std::string sentence(const std::string& request) const {
+        switch (GetParam().kind) {
+            case Kind::serverError:
+                return "App Store Connect returned an error (500). Trouble 500.";
+            case Kind::conflict:
+                return "App Store Connect returned an error (409). Trouble 409.";
+            case Kind::unauthorized:
+                // The addresses of uploads take no token, so there is none to be refreshed.
+                if (request.starts_with(kPart))
+                    return "App Store Connect returned an error (401). Trouble 401.";
+                return "App Store Connect didn’t accept this API key. Check the key ID and issuer ID, and "
+                       "that "
+                       "the key hasn’t been revoked.";
+            case Kind::lostRequest:
+            case Kind::lostReply:
+                break;
+            case Kind::killedAfter:
+                return "";
+        }
+        if (!isSentAgain(GetParam(), request))
+            return "Couldn’t reach App Store Connect. Check your internet connection.";
+        // Some writes can't be done twice, and the service says so.
+        if (request.starts_with("DELETE")) return "App Store Connect returned an error (404).";
+        if (request.starts_with(kCommit)) return "App Store Connect returned an error (409).";
+        return "";
+    }
+
+    void expectRightEnd(const Ended& ended, std::size_t place) const {
+        EXPECT_EQ(ended.wasKilled, GetParam().kind == Kind::killedAfter);
+        if (ended.wasKilled) return;
+        const auto why = sentence(expected.request(place));
+        const auto done = std::to_string(ticksIn(ended.output));
+        if (why.empty()) {
+            EXPECT_EQ(ended.status, 0);
+            EXPECT_EQ(ended.errors, "");
+            EXPECT_TRUE(ended.output.ends_with("✓ Pushed and verified " + done + " writes.\n"));
+            return;
+        }
+        EXPECT_EQ(ended.status, 1);
+        if (!expected.isOfPlan(place)) {
+            EXPECT_EQ(ended.errors, "kestrin: " + why + "\n");
+            return;
+        }
+        const auto beginning =
+            "kestrin: stopped after " + done + " of " + std::to_string(expected.writes) + " writes: " + why;
+        EXPECT_EQ(ended.errors.substr(0, beginning.size()), beginning);
+        EXPECT_TRUE(ended.errors.ends_with(". Run push again to send the rest.\n")) << ended.errors;
+        const auto lastLine = ended.output.rfind('\n', ended.output.size() - 2) + 1;
+        EXPECT_EQ(ended.output.substr(lastLine, 6), "  ✗ ") << ended.output;
+    }
+
+    // What is remembered is what was remembered before or what App Store Connect holds now.
+    void expectTrueMemory(PushStage& stage) const {
+        if (stage.here().home == expected.start.home) return;
+        const auto id = stage.project().manifest.projectID;
+        const auto remote = stage.remoteListing();
+        const auto values = remote.values();
+        const auto base = stage.store().base(id);
+        ASSERT_TRUE(base);
+        for (const auto& key : FlatValue::keys({&expected.baseBefore, &*base})) {
+            const auto& remembered = FlatValue::of(key, *base);
+            if (remembered == FlatValue::of(key, expected.baseBefore)) continue;
+            EXPECT_EQ(remembered, FlatValue::of(key, values)) << key;
+        }
+        const auto ids = stage.store().remoteIDs(id);
+        EXPECT_TRUE(ids == expected.idsBefore || ids == remote.ids);
+        for (const auto& [asset, known] : stage.store().remoteAssets(id))
+            EXPECT_TRUE(remote.assets.contains(asset)) << asset;
+    }
+
+    void expectEachFileOnce(PushStage& stage) const {
+        const auto uploads = stage.uploads();
+        EXPECT_EQ(uploads.size(), expected.remoteBesides.size());
+        for (const auto& [file, states] : uploads) EXPECT_EQ(states.size(), 1u) << file;
+        std::map<std::string, int> commits;
+        for (const auto& request : stage.remote().log().entries()) {
+            if (request.line().starts_with(kCommit) && request.status == 200) ++commits[request.target];
+        }
+        for (const auto& [asset, count] : commits) EXPECT_EQ(count, 1) << asset;
+    }
+
+    void expectNothingDeletedButPlacements(PushStage& stage) const {
+        const auto log = stage.remote().log();
+        EXPECT_EQ(log.count("DELETE"), log.count("DELETE", "/v1/appAssetLibraryPlacements/"));
+    }
+};
+
+TEST_P(Healing, PushingAgainEndsAsIfNothingHadHappened) {
+    for (std::size_t place = 1; place <= expected.requests.size(); ++place) {
+        const auto& request = expected.request(place);
+        if (leavesAnEmptyAsset(GetParam(), request)) continue;  // the test below
+        SCOPED_TRACE(std::to_string(place) + ": " + request);
+        PushStage stage(expected.start);
+
+        const auto ended = disturbedPush(stage, place);
+
+        expectRightEnd(ended, place);
+        expectTrueMemory(stage);
+        if (ended.status != 0 && expected.isOfReview(place)) {  // then the next push is the undisturbed one
+            EXPECT_TRUE(stage.here().home == expected.start.home);
+            EXPECT_TRUE(stage.remoteContent() == expected.remoteBefore);
+            continue;
+        }
+        if (ended.wasKilled || ended.status != 0) {
+            const auto again = stage.pushConflictsToo();
+            EXPECT_EQ(again.status, 0) << ended.errors << again.output << again.errors;
+        }
+        stage.letProcessingEnd();
+        EXPECT_TRUE(stage.remoteContent() == expected.remoteAfter);
+        expectEachFileOnce(stage);
+        expectNothingDeletedButPlacements(stage);
+    }
+}
+
+// All that the next push goes by is the digest in the name of the asset, so it takes the empty one for the file. It
+// places it, and is told by the service that all is as it was sent.
+TEST_P(Healing, AnUploadCutBeforeItsCommitLeavesAnAssetThatTheNextPushTakesForTheFile) {
+    for (std::size_t place = expected.firstWrite; place < expected.readBack; ++place) {
+        const auto& request = expected.request(place);
+        if (!leavesAnEmptyAsset(GetParam(), request)) continue;
+        SCOPED_TRACE(std::to_string(place) + ": " + request);
+        PushStage stage(expected.start);
+
+        expectRightEnd(disturbedPush(stage, place), place);
+        expectTrueMemory(stage);
+        const auto again = stage.pushConflictsToo();
+
+        EXPECT_EQ(again.status, 0) << again.output << again.errors;
+        stage.letProcessingEnd();
+        std::vector<std::string> empty;
+        for (const auto& [file, states] : stage.uploads()) {
+            if (states.front() == "AWAITING_UPLOAD") empty.push_back(file);
+        }
+        ASSERT_EQ(empty.size(), 1u);
+        EXPECT_TRUE(stage.remoteContent(empty[0]) == expected.remoteBesides.at(empty[0]));
+        expectEachFileOnce(stage);
+        expectNothingDeletedButPlacements(stage);
+    }
+}
+
+std::string nameOf(const testing::TestParamInfo<Trouble>& info) {
+    const auto name = [&] {
+        switch (info.param.kind) {
+            case Kind::serverError:
+                return "ServerError";
+            case Kind::conflict:
+                return "Conflict";
+            case Kind::unauthorized:
+                return "Unauthorized";
+            case Kind::lostRequest:
+                return "LostRequest";
+            case Kind::lostReply:
+                return "LostReply";
+            case Kind::killedAfter:
+                return "Killed";
+        }
+        return "";
+    }();
+    return std::string(name) + (info.param.lasts ? "ForAsLongAsItIsTried" : "Once");
+}
+
+INSTANTIATE_TEST_SUITE_P(AtEveryRequest, Healing,
+                         testing::Values(Trouble{Kind::serverError, true}, Trouble{Kind::conflict, false},
+                                         Trouble{Kind::unauthorized, true}, Trouble{Kind::lostRequest, true},
+                                         Trouble{Kind::lostReply, false}, Trouble{Kind::lostReply, true},
+                                         Trouble{Kind::killedAfter, false}),
+                         nameOf);
+
+}  // namespace
+}  // namespace kestrin
