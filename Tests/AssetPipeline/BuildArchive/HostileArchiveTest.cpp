@@ -97,7 +97,7 @@ TEST_F(HostileArchiveTest, AListOf2GBInOneKilobyteIsRefusedBeforeItIsMade) {
 }
 
 TEST_F(HostileArchiveTest, ATableOfContentsOf2GBIsRefusedBeforeItIsMade) {
-    for (const std::size_t field : {8, 16}) {
+    for (const std::size_t field : {8u, 16u}) {
         auto bytes = xar({{"Distribution", "", distribution(), distribution().size()}});
         bytes.replace(field, 8, bigEndian(std::uint64_t{2} << 30, 8));
         EXPECT_LT(peakMemoryOf([&] { EXPECT_EQ(errorOf("a.pkg", bytes), Kind::malformed); }), kMostMemory);

@@ -115,7 +115,7 @@ TEST(PropertyList, TakesLittleMemoryWhateverItHolds) {
     };
     for (const auto& [what, bytes] : lists) {
         SCOPED_TRACE(what);
-        EXPECT_LT(peakMemoryOf([&] { EXPECT_EQ(errorOf(bytes), std::nullopt); }),
+        EXPECT_LT(peakMemoryOf([&list = bytes] { EXPECT_EQ(errorOf(list), std::nullopt); }),
                   (std::size_t{50} << 20) * memoryFactor);
     }
 }

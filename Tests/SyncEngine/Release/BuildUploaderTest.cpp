@@ -186,7 +186,7 @@ TEST(BuildUploader, APartThatIsRefusedEndsTheUpload) {
 
 TEST(BuildUploader, AnyRequestThatFailsEndsTheUploadWithTheClientsError) {
     const std::vector<Step> whole = scriptFor(operation(0, 6), {reply(200)});
-    for (const std::size_t failing : {0, 1, 3, 4}) {
+    for (const std::size_t failing : {0u, 1u, 3u, 4u}) {
         SCOPED_TRACE(failing);
         auto script = std::vector<Step>(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(failing));
         script.push_back(reply(409));
