@@ -12,8 +12,8 @@
 namespace kestrin {
 
 #ifdef __SANITIZE_ADDRESS__
-// The address sanitizer surrounds every allocation with guards and keeps what was freed.
-inline constexpr std::size_t memoryFactor = 4;
+// The address sanitizer surrounds every allocation with guards, and keeps up to 256 MB of what was freed.
+inline constexpr std::size_t memoryFactor = 8;
 #else
 inline constexpr std::size_t memoryFactor = 1;
 #endif

@@ -142,7 +142,7 @@ TEST_F(HostileArchiveTest, ADirectoryOfAMillionEntriesTakesNoMoreMemoryThanOfOne
                   EXPECT_EQ(archiveErrorOf([&] { BuildArchiveInspector::inspect(folder / "a.ipa"); }),
                             Kind::noAppInside);
               }),
-              (std::size_t{4} << 20) * memoryFactor);
+              kMostMemory);
 }
 
 TEST_F(HostileArchiveTest, EntityBombsAreRefusedInEveryDocument) {
