@@ -40,12 +40,12 @@ std::optional<ListingField> listingField(std::string_view rawValue) {
 
 namespace ListingFields {
 
-const std::array<ListingField, 10> all = {name,        subtitle,    privacyPolicyUrl, privacyChoicesUrl,
-                                          description, keywords,    promotionalText,  whatsNew,
-                                          supportUrl,  marketingUrl};
-const std::span<const ListingField> appInfo(all.begin(), 4);
-const std::span<const ListingField> version(all.begin() + 4, 6);
-const std::array<ListingField, 3> versionJSON = {keywords, supportUrl, marketingUrl};
+constinit const std::array<ListingField, 10> all = {
+    name,     subtitle,        privacyPolicyUrl, privacyChoicesUrl, description,
+    keywords, promotionalText, whatsNew,         supportUrl,        marketingUrl};
+constinit const std::span<const ListingField> appInfo(all.begin(), 4);
+constinit const std::span<const ListingField> version(all.begin() + 4, 6);
+constinit const std::array<ListingField, 3> versionJSON = {keywords, supportUrl, marketingUrl};
 
 }  // namespace ListingFields
 

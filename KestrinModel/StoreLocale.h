@@ -19,4 +19,7 @@ struct StoreLocale {
     }
 };
 
+// Defined here so that it is there before any constant that is made of it, in whatever file it stands.
+inline const StoreLocale StoreLocale::englishUS{"en-US"};
+
 }  // namespace kestrin

@@ -8,12 +8,6 @@ const std::array<std::string, 4> kFolderNames = {"iOS", "macOS", "tvOS", "vision
 
 }  // namespace
 
-const StorePlatform StorePlatform::iOS{"IOS"};
-const StorePlatform StorePlatform::macOS{"MAC_OS"};
-const StorePlatform StorePlatform::tvOS{"TV_OS"};
-const StorePlatform StorePlatform::visionOS{"VISION_OS"};
-const std::array<StorePlatform, 4> StorePlatform::editable = {iOS, macOS, tvOS, visionOS};
-
 const std::string& StorePlatform::folderName() const {
     for (std::size_t i = 0; i < editable.size(); ++i) {
         if (*this == editable[i]) return kFolderNames[i];

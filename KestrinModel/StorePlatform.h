@@ -29,4 +29,11 @@ struct StorePlatform {
     }
 };
 
+// Defined here so that they are there before any constant that is made of them, in whatever file it stands.
+inline const StorePlatform StorePlatform::iOS{"IOS"};
+inline const StorePlatform StorePlatform::macOS{"MAC_OS"};
+inline const StorePlatform StorePlatform::tvOS{"TV_OS"};
+inline const StorePlatform StorePlatform::visionOS{"VISION_OS"};
+inline const std::array<StorePlatform, 4> StorePlatform::editable = {iOS, macOS, tvOS, visionOS};
+
 }  // namespace kestrin

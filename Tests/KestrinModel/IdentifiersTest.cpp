@@ -13,6 +13,15 @@
 namespace kestrin {
 namespace {
 
+// Constants of one file made of constants of another: these must have been there first.
+const StorePlatform kCopied = StorePlatform::visionOS;
+const StoreLocale kCopiedLocale = StoreLocale::englishUS;
+
+TEST(StorePlatform, ConstantsMayBeMadeOfItsConstants) {
+    EXPECT_EQ(kCopied.rawValue, "VISION_OS");
+    EXPECT_EQ(kCopiedLocale.rawValue, "en-US");
+}
+
 TEST(StorePlatform, HasAFolderOfItsOwn) {
     struct Row {
         StorePlatform platform;
