@@ -163,6 +163,14 @@ void writeAll(const Descriptor& file, std::string_view bytes, const path& name) 
     }
 }
 
+void copyAll(const Descriptor& source, const path& sourcePath, const Descriptor& target,
+             const path& targetPath) {
+    std::string piece(kCopyPiece, '\0');
+    while (const auto got = readSome(source, piece.data(), piece.size(), sourcePath)) {
+        writeAll(target, std::string_view(piece).substr(0, got), targetPath);
+    }
+}
+
 void writeAtomically(const path& target, std::string_view bytes, Flush flush) {
     TemporaryFile temporary(target, modeOfReplaced(target));
     writeAll(temporary.file(), bytes, target);
@@ -174,10 +182,7 @@ void copyAtomically(const path& source, const path& target, Flush flush) {
     const auto status = statusOfRegular(original, source);
     modeOfReplaced(target);
     TemporaryFile temporary(target, status.st_mode & kPermissions);
-    std::string piece(kCopyPiece, '\0');
-    while (const auto got = readSome(original, piece.data(), piece.size(), source)) {
-        writeAll(temporary.file(), std::string_view(piece).substr(0, got), target);
-    }
+    copyAll(original, source, temporary.file(), target);
     temporary.placeAt(target, flush);
 }
 

@@ -44,6 +44,11 @@ std::string readWhole(const Descriptor& file, const std::filesystem::path& path,
 // Writes all bytes or throws FileError naming `path`.
 void writeAll(const Descriptor& file, std::string_view bytes, const std::filesystem::path& path);
 
+// The bytes of one open file, from where it stands, into another, in pieces of the same small memory whatever its size.
+// FileError naming the path of the one that failed.
+void copyAll(const Descriptor& source, const std::filesystem::path& sourcePath, const Descriptor& target,
+             const std::filesystem::path& targetPath);
+
 // Whether a write returns only when the disk has it. A flush may take as long as everything else together, so it is
 // for what can't be had again; whoever writes a folder of files that can be written again leaves it out.
 enum class Flush { yes, no };
@@ -58,8 +63,8 @@ enum class Flush { yes, no };
 void writeAtomically(const std::filesystem::path& path, std::string_view bytes, Flush flush = Flush::yes);
 
 // Puts a copy of the file at `source` (links followed) at `target` in one step, as writeAtomically does, with the
-// permissions of the source. A file of any size takes the same small piece of memory. Throws FileError naming
-// the path that failed, also for a source that isn't a regular file, and then nothing has changed.
+// permissions of the source. Throws FileError naming the path that failed, also for a source that isn't a regular file,
+// and then nothing has changed.
 void copyAtomically(const std::filesystem::path& source, const std::filesystem::path& target,
                     Flush flush = Flush::yes);
 

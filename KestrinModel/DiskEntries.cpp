@@ -82,7 +82,7 @@ void copyFile(int source, int target, const std::string& name) {
     if (!from) fail();
     const Descriptor to(openat(target, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!to) fail();
-    copyBytes(from.number(), to.number());
+    files::copyAll(from, name, to, name);
     handOnPermissions(from.number(), to.number());
     handOnTimes(from.number(), to.number());
 }
@@ -176,21 +176,6 @@ void handOnTimes(int source, int target) {
     const auto from = statusOf(source);
     const std::array<timespec, 2> times = {from.st_atim, from.st_mtim};
     futimens(target, times.data());
-}
-
-void copyBytes(int source, int target) {
-    std::string buffer(std::size_t{256} << 10, '\0');
-    for (;;) {
-        const auto got = read(source, buffer.data(), buffer.size());
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) fail();
-        if (got == 0) return;
-        for (ssize_t done = 0; done < got;) {
-            const auto written = write(target, buffer.data() + done, static_cast<std::size_t>(got - done));
-            if (written < 0 && errno != EINTR) fail();
-            if (written > 0) done += written;
-        }
-    }
 }
 
 void remove(int parent, const std::string& name) {

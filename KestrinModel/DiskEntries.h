@@ -32,7 +32,7 @@ std::vector<Entry> list(int folder);
 
 // Gives `target` the entry `name` of `source`, which isn't a folder: as a second hard link, or, where the file
 // system can't link it, as a copy with all that can be handed on. Nothing may be of that name in `target` yet.
-// std::system_error.
+// std::system_error; FileError, with the name alone, for bytes that can't be copied.
 void linkOrCopy(int source, int target, const std::string& name);
 
 // Hands on from one open file or folder to another of ours: permissions; owner, group and extended attributes
@@ -41,9 +41,6 @@ void linkOrCopy(int source, int target, const std::string& name);
 void handOnPermissions(int source, int target);
 // The time of the last change.
 void handOnTimes(int source, int target);
-
-// The bytes of one open file into another, in pieces: media may be larger than the memory. std::system_error.
-void copyBytes(int source, int target);
 
 // Removes the entry and all that is in it. What can't be removed stays; whoever left a folder of ours behind tries
 // again at the next save.

@@ -93,6 +93,8 @@ class TreeWriter {
             DiskEntries::linkOrCopy(folder.disk()->descriptor(), target, name);
         } catch (const std::system_error& error) {
             throw FileError(FileError::Operation::write, where, error.code());
+        } catch (const FileError& error) {
+            throw FileError(FileError::Operation::write, where, error.reason);
         }
     }
 
@@ -145,7 +147,7 @@ class TreeWriter {
         const auto& source = std::get<path>(file.content);
         const Descriptor from(open(source.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
         if (!from) throw FileError::fromErrno(FileError::Operation::read, source);
-        DiskEntries::copyBytes(from.number(), to.number());
+        files::copyAll(from, source, to, where);
     }
 
     std::vector<path> written_;

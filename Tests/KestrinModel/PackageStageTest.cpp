@@ -108,6 +108,22 @@ TEST_F(PackageStageTest, WhatCantBeLinkedIsCopiedWithAllThatIsKnownOfIt) {
     }
 }
 
+TEST_F(PackageStageTest, ACopyThatFindsNoRoomNamesItsFileAndLeavesThePackage) {
+    folder.write("Demo.kestrin/Media/large.mov", std::string(700'000, 'x'));
+    const auto before = snapshotOf(package);
+    std::size_t writes = 0;
+    const auto outcome =
+        supervise([this] { saveChanged(); },
+                  [&](std::size_t, const std::string& name) {
+                      if (name == "link") return Verdict::fail(EXDEV);
+                      // The files of the project before it are small: one write each.
+                      return name == "write" && ++writes == 6 ? Verdict::fail(ENOSPC) : Verdict::proceed();
+                  });
+    EXPECT_EQ(outcome.error, "Couldn’t write “Media/large.mov”: No space left on device.");
+    EXPECT_EQ(changes(before, snapshotOf(package)), "");
+    EXPECT_EQ(beside(), Names());
+}
+
 TEST_F(PackageStageTest, OtherRefusalsToLinkAreErrors) {
     const auto before = snapshotOf(package);
     EXPECT_EQ(saveWithout("link", ENOSPC).error, "Couldn’t write “.gitattributes”: No space left on device.");

@@ -259,6 +259,22 @@ TEST_F(ProjectPackageFileTest, FilesThatDontChangeKeepTheirIdentity) {
     }
 }
 
+TEST(ProjectPackageFile, TenThousandLocalesAreJustMany) {
+    const TemporaryFolder memory(TemporaryFolder::quickPlace());
+    const auto large = memory / "Large.kestrin";
+    Project project;
+    for (int i = 0; i < 10'000; ++i) {
+        const StoreLocale locale{"locale-" + std::to_string(i)};
+        project.setValue("Foo", ListingField::name, locale, StorePlatform::iOS);
+        project.setValue("Foo", ListingField::description, locale, StorePlatform::iOS);
+    }
+    save(project, large);
+    EXPECT_EQ(load(large), project);
+    project.setValue("Bar", ListingField::description, {"locale-7"}, StorePlatform::iOS);
+    save(project, large);
+    EXPECT_EQ(load(large), project);
+}
+
 TEST_F(ProjectPackageFileTest, ALinkToAPackageKeepsBeingOne) {
     fs::create_directories(folder / "real");
     const auto real = folder / "real/Demo.kestrin";
