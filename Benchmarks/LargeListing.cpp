@@ -29,7 +29,7 @@ constexpr std::string_view kLocales[] = {
 };
 
 const PlacementSlot kPhoneScreenshots{"IPHONE_DYNAMIC_ISLAND_LARGE_PROFILE", "APP_SCREENSHOT"};
-const PlacementSlot kTabletScreenshots{"IPAD_LARGE_PROFILE", "APP_SCREENSHOT"};
+const PlacementSlot kTabletScreenshots{"IPAD_13_PROFILE", "APP_SCREENSHOT"};
 
 struct Language {
     std::string_view prefix;  // of the locale's code

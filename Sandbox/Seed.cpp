@@ -12,39 +12,18 @@
 #include "Sandbox/Resources/States.h"
 #include "Sandbox/Resources/Values.h"
 #include "Sandbox/Schema.h"
+#include "Sandbox/SeedParts.h"
 
 namespace kestrin::sandbox {
 namespace {
 
+using SeedParts::addApp;
+using SeedParts::addCategories;
+using SeedParts::addImage;
+using SeedParts::textOrNull;
+
 constexpr const char* kAppID = "1234567890";
 constexpr const char* kEmptyAppID = "1234567891";
-constexpr const char* kCategories[] = {"BOOKS",
-                                       "BUSINESS",
-                                       "DEVELOPER_TOOLS",
-                                       "EDUCATION",
-                                       "ENTERTAINMENT",
-                                       "FINANCE",
-                                       "FOOD_AND_DRINK",
-                                       "GAMES",
-                                       "GRAPHICS_AND_DESIGN",
-                                       "HEALTH_AND_FITNESS",
-                                       "LIFESTYLE",
-                                       "MAGAZINES_AND_NEWSPAPERS",
-                                       "MEDICAL",
-                                       "MUSIC",
-                                       "NAVIGATION",
-                                       "NEWS",
-                                       "PHOTO_AND_VIDEO",
-                                       "PRODUCTIVITY",
-                                       "REFERENCE",
-                                       "SHOPPING",
-                                       "SOCIAL_NETWORKING",
-                                       "SPORTS",
-                                       "STICKERS",
-                                       "TRAVEL",
-                                       "UTILITIES",
-                                       "WEATHER"};
-
 struct Wording {
     const char* locale;
     const char* name;
@@ -64,25 +43,6 @@ constexpr Wording kWordings[] = {
     {"ja", "潮のノート", "海辺のメモ", "潮が運んでくるものを書き留めよう。", "メモ,潮,海,日記", "", ""},
 };
 
-void addCategories(State& state) {
-    for (const auto* category : kCategories) {
-        state.store.add("appCategories", {{"platforms", kPlatforms}}, {}, category);
-    }
-}
-
-Resource& addApp(State& state, const std::string& id, const std::string& name, const std::string& bundleID,
-                 const std::string& sku) {
-    auto& app = state.store.add("apps",
-                                {{"name", name},
-                                 {"bundleId", bundleID},
-                                 {"sku", sku},
-                                 {"primaryLocale", "en-US"},
-                                 {"isOrEverWasMadeForKids", false}},
-                                {}, id);
-    state.store.add("appAssetLibraries", Json::object(), {{"app", app.ref}}, id);
-    return app;
-}
-
 void addAppInfo(State& state, const Resource& app, const std::string& appInfoState,
                 const std::string& suffix) {
     auto& info = state.store.add("appInfos", {{"appStoreAgeRating", "FOUR_PLUS"}},
@@ -98,10 +58,6 @@ void addAppInfo(State& state, const Resource& app, const std::string& appInfoSta
                          {"privacyPolicyUrl", fmt::format("https://example.com/{}/privacy", wording.locale)}},
                         {{"appInfo", info.ref}});
     }
-}
-
-Json textOrNull(const std::string& text) {
-    return text.empty() ? Json() : Json(text);
 }
 
 Resource& addVersion(State& state, const Resource& app, const std::string& platform,
@@ -184,32 +140,8 @@ void attachBuild(State& state, Resource& version, const std::string& number) {
     state.store.relate(version, "build", build->ref);
 }
 
-struct ImageRow {
-    const char* fileName;
-    int width, height;
-    const char* category;
-};
-
 constexpr const char* kScreenshots = "APP_SCREENSHOTS_AND_PREVIEWS";
 constexpr const char* kPhone = "IPHONE_DYNAMIC_ISLAND_LARGE_PROFILE";
-
-Resource& addImage(State& state, const std::string& appID, const ImageRow& row,
-                   const std::string& assetState) {
-    std::string why;
-    const auto date = state.store.date();
-    return state.store.add(
-        "appAssetLibraryImages",
-        {{"category", row.category},
-         {"createdDate", date},
-         {"lastModifiedDate", date},
-         {"fileName", row.fileName},
-         {"fileSize", row.width * row.height / 3},
-         {"referenceName", row.fileName},
-         {"imageAsset", pixelSize(row.width, row.height)},
-         {"specId", Catalogue::specFor(Catalogue::Picture{row.width, row.height, false}, row.category, why)},
-         {"state", assetState}},
-        {{"assetLibrary", {"appAssetLibraries", appID}}});
-}
 
 Resource& addPreview(State& state, const std::string& appID, const std::string& fileName) {
     constexpr int kWidth = 886, kHeight = 1920;

@@ -26,6 +26,10 @@ void everyday(State& state);
 // preparation, with its name in en-US and nothing else.
 void newApp(State& state);
 
+// The listing of Benchmarks/LargeListing.h, as the app 1234567890, com.example.walks: everything is in preparation,
+// every medium approved under the identifier that the listing has for it. A pull takes some 3,500 requests.
+void large(State& state);
+
 // The state that a sandbox printed, or one written by hand in the same form: {"clock": seconds since 1970,
 // "resources": [{"type", "id", "attributes", "relationships": {"app": {"data": {"type", "id"}}}}]}. The clock is
 // optional. The seed throws std::runtime_error for anything else.

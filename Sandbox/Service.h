@@ -34,7 +34,8 @@ class Service {
         return work(state_);
     }
 
-    RequestLog log() const;  // as it stands now
+    const Router& router() const { return router_; }  // never changes
+    RequestLog log() const;                           // as it stands now
     void clearLog();
     void addFault(std::string_view line);  // as Fault::parse reads it
     void clearFaults();

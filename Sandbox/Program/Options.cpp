@@ -15,8 +15,10 @@ struct NamedSeed {
     void (*seed)(State&);
 };
 
-constexpr NamedSeed kSeeds[] = {
-    {"everyday", seeds::everyday}, {"new-app", seeds::newApp}, {"empty", seeds::empty}};
+constexpr NamedSeed kSeeds[] = {{"everyday", seeds::everyday},
+                                {"new-app", seeds::newApp},
+                                {"empty", seeds::empty},
+                                {"large", seeds::large}};
 
 const NamedSeed* findSeed(const std::string& name) {
     const auto found = std::find_if(std::begin(kSeeds), std::end(kSeeds),
@@ -63,7 +65,7 @@ const std::vector<Option>& allOptions() {
     static const std::vector<Option> options{
         {"--port", "N", "listen there; otherwise on any free port",
          [](Options& o, const std::string& v) { o.port = numberOf("--port", v, 1, 65535); }},
-        {"--seed", "NAME", "begin with everyday (default), new-app or empty", readSeed},
+        {"--seed", "NAME", "begin with everyday (default), new-app, empty or large", readSeed},
         {"--load", "FILE", "begin with a state that was saved, in place of a seed",
          [](Options& o, const std::string& v) { o.stateToLoad = v; }},
         {"--env-file", "FILE", "write the environment of the client there once requests are answered",

@@ -115,6 +115,20 @@ TEST_F(ServerTest, CompressesForWhoAccepts) {
     EXPECT_TRUE(headerValue(sandbox.service().log().entries().back().headers, "Accept-Encoding"));
 }
 
+TEST_F(ServerTest, CompressesWithGzipWhateverElseIsAccepted) {
+    Caller caller(sandbox);
+    const auto reply = caller.call("GET", "/v1/builds", {}, "br, gzip, deflate");
+    EXPECT_NE(reply.headers.find("Content-Encoding: gzip"), std::string::npos);
+    const auto log = sandbox.service().log();
+    const auto& headers = log.entries().back().headers;
+    EXPECT_EQ(headerValue(headers, "Accept-Encoding"), "br, gzip, deflate");
+    EXPECT_EQ(std::count_if(headers.begin(), headers.end(),
+                            [](const auto& header) { return header.first == "Accept-Encoding"; }),
+              1);
+    const auto other = caller.call("GET", "/v1/builds", {}, "br");
+    EXPECT_EQ(other.headers.find("Content-Encoding"), std::string::npos);
+}
+
 TEST(PlainServer, DoesNotCompressButLogsThatItWasAsked) {
     Settings settings;
     settings.compresses = false;
