@@ -68,7 +68,8 @@ TEST(StableJSONEncoding, WritesAnEmptyContainerAsItsBracketsWithAnEmptyLineBetwe
         {"in an object", JSONObject{{"a", JSONObject{}}, {"b", JSONArray{}}},
          "{\n  \"a\" : {\n\n  },\n  \"b\" : [\n\n  ]\n}\n"},
         {"in an array", JSONArray{JSONArray{}, JSONObject{}}, "[\n  [\n\n  ],\n  {\n\n  }\n]\n"},
-        {"two levels down", JSONArray{JSONArray{JSONArray{}}}, "[\n  [\n    [\n\n    ]\n  ]\n]\n"},
+        {"two levels down", JSONArray{JSONValue(JSONArray{JSONValue(JSONArray{})})},
+         "[\n  [\n    [\n\n    ]\n  ]\n]\n"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.when);
