@@ -164,7 +164,8 @@ class Healing : public testing::TestWithParam<Trouble> {
         EXPECT_EQ(uploads.size(), expected.remoteBesides.size());
         for (const auto& [file, states] : uploads) EXPECT_EQ(states.size(), 1u) << file;
         std::map<std::string, int> commits;
-        for (const auto& request : stage.remote().log().entries()) {
+        const auto log = stage.remote().log();
+        for (const auto& request : log.entries()) {
             if (request.line().starts_with(kCommit) && request.status == 200) ++commits[request.target];
         }
         for (const auto& [asset, count] : commits) EXPECT_EQ(count, 1) << asset;

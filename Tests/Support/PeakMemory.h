@@ -11,7 +11,15 @@
 
 namespace kestrin {
 
-#ifdef __SANITIZE_ADDRESS__
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KESTRIN_ADDRESS_SANITIZER  // as clang tells of it
+#endif
+#elif defined(__SANITIZE_ADDRESS__)
+#define KESTRIN_ADDRESS_SANITIZER  // as g++ does
+#endif
+
+#ifdef KESTRIN_ADDRESS_SANITIZER
 // The address sanitizer surrounds every allocation with guards, and keeps up to 256 MB of what was freed.
 inline constexpr std::size_t memoryFactor = 8;
 #else

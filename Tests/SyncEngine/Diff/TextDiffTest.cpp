@@ -153,7 +153,9 @@ void checkLaws(const std::string& from, const std::string& to) {
     RC_ASSERT(joined(segments, added) == to);
     for (std::size_t i = 0; i < segments.size(); ++i) {
         RC_ASSERT(!segments[i].text.empty());
-        RC_ASSERT(i == 0 || segments[i].kind != segments[i - 1].kind);
+        // Not within the macro, which takes the condition apart and then looks at both of its sides.
+        const bool differsFromTheLast = i == 0 || segments[i].kind != segments[i - 1].kind;
+        RC_ASSERT(differsFromTheLast);
     }
 }
 
