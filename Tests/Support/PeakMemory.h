@@ -20,8 +20,9 @@ namespace kestrin {
 #endif
 
 #ifdef KESTRIN_ADDRESS_SANITIZER
-// The address sanitizer surrounds every allocation with guards, and keeps up to 256 MB of what was freed.
-inline constexpr std::size_t memoryFactor = 8;
+// The address sanitizer surrounds every allocation with guards, and keeps up to 256 MB of what was freed and
+// the shadow of it all.
+inline constexpr std::size_t memoryFactor = 12;
 #else
 inline constexpr std::size_t memoryFactor = 1;
 #endif
