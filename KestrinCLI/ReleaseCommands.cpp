@@ -81,17 +81,27 @@ void printTest(const Slug& slug, const Experiment& test, const RemoteExperiment*
     }
 }
 
-void printSubmitted(const std::optional<ASCReviewSubmission>& submission, Console& console) {
-    const auto state = submission ? submission->state.value_or("") : "";
-    console.print(fmt::format("✓ Submitted for review ({}).", state.empty() ? "submitted" : state));
-}
-
 // The page or test that the command names, by the word that it uses for it.
 template <class Content>
 const Content& named(const Slug& slug, const std::map<Slug, Content>& contents, const std::string& word) {
     const auto* content = valueIn(contents, slug);
     if (!content) fail("no " + word + " named " + slug.rawValue + " in the project");
     return *content;
+}
+
+// Sends the page or test that the command names to App Review.
+template <class Content>
+int submitNamed(const Arguments& args, Console& console, std::map<Slug, Content> Project::*contents,
+                std::optional<ASCReviewSubmission> (ProductPageReleaser::*submit)(const Slug&, const Project&,
+                                                                                  const PushReview&)) {
+    auto reviewed = reviewProject(args[2], console);
+    const Slug slug{args[3]};
+    const auto& content = named(slug, reviewed.project.*contents, args[0]);
+    Confirmation::require(Confirmation::submitItemQuestion(content.name), Confirmation::nothingSent, args,
+                          console);
+    ProductPageReleaser releaser(reviewed.client);
+    printSubmitted((releaser.*submit)(slug, reviewed.project, reviewed.review), console);
+    return 0;
 }
 
 }  // namespace
@@ -115,6 +125,17 @@ void printProductPages(const Project& project, const RemoteIDs& remote, Console&
     }
 }
 
+void printCreated(const ASCAppStoreVersion& version, const StorePlatform& platform, const std::string& wanted,
+                  Console& console) {
+    console.print(fmt::format("✓ Created {} {} ({}). Run `kestrin pull` to bring it in.", platform.rawValue,
+                              version.versionString.value_or(wanted), version.state.value_or("")));
+}
+
+void printSubmitted(const std::optional<ASCReviewSubmission>& submission, Console& console) {
+    const auto state = submission ? submission->state.value_or("") : "";
+    console.print(fmt::format("✓ Submitted for review ({}).", state.empty() ? "submitted" : state));
+}
+
 int ReleaseCommands::createVersion(const Arguments& args, Console& console) {
     const auto project = loadProject(args[2]);
     const auto platform = platformOption(args);
@@ -123,10 +144,8 @@ int ReleaseCommands::createVersion(const Arguments& args, Console& console) {
     Confirmation::require(Confirmation::createVersionQuestion(platform, version),
                           Confirmation::nothingCreated, args, console);
     auto client = makeClient(console);
-    const auto created =
-        Releaser(client, ProjectStateStore::commandLine()).createVersion(project, platform, version);
-    console.print(fmt::format("✓ Created {} {} ({}). Run `kestrin pull` to bring it in.", platform.rawValue,
-                              created.versionString.value_or(version), created.state.value_or("")));
+    Releaser releaser(client, ProjectStateStore::commandLine());
+    printCreated(releaser.createVersion(project, platform, version), platform, version, console);
     return 0;
 }
 
@@ -154,25 +173,11 @@ int ReleaseCommands::pages(const Arguments& args, Console& console) {
 }
 
 int ReleaseCommands::submitPage(const Arguments& args, Console& console) {
-    auto reviewed = reviewProject(args[2], console);
-    const Slug slug{args[3]};
-    const auto& page = named(slug, reviewed.project.pages, args[0]);
-    Confirmation::require(Confirmation::submitItemQuestion(page.name), Confirmation::nothingSent, args,
-                          console);
-    ProductPageReleaser releaser(reviewed.client);
-    printSubmitted(releaser.submitPage(slug, reviewed.project, reviewed.review), console);
-    return 0;
+    return submitNamed(args, console, &Project::pages, &ProductPageReleaser::submitPage);
 }
 
 int ReleaseCommands::submitTest(const Arguments& args, Console& console) {
-    auto reviewed = reviewProject(args[2], console);
-    const Slug slug{args[3]};
-    const auto& test = named(slug, reviewed.project.experiments, args[0]);
-    Confirmation::require(Confirmation::submitItemQuestion(test.name), Confirmation::nothingSent, args,
-                          console);
-    ProductPageReleaser releaser(reviewed.client);
-    printSubmitted(releaser.submitExperiment(slug, reviewed.project, reviewed.review), console);
-    return 0;
+    return submitNamed(args, console, &Project::experiments, &ProductPageReleaser::submitExperiment);
 }
 
 int ReleaseCommands::startTest(const Arguments& args, Console& console) {

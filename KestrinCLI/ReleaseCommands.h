@@ -2,8 +2,11 @@
 // pages and tests.
 #pragma once
 
+#include <optional>
 #include <string>
 
+#include "ASCKit/Resources/AppStoreVersions.h"
+#include "ASCKit/Resources/ReviewSubmissions.h"
 #include "KestrinCLI/CommandLine.h"
 #include "KestrinCLI/Console.h"
 #include "SyncEngine/Push/PushReview.h"
@@ -18,6 +21,13 @@ std::string describe(const PreflightItem& item);
 // The project's custom product pages, then its tests with their treatments, each in the order of the slugs, with the
 // states that App Store Connect names.
 void printProductPages(const Project& project, const RemoteIDs& remote, Console& console);
+
+// The version that App Store Connect has made, by the number that it gives it; by the `wanted` one where it names none.
+void printCreated(const ASCAppStoreVersion& version, const StorePlatform& platform, const std::string& wanted,
+                  Console& console);
+
+// The state in which a submission is now; "submitted" where App Store Connect doesn't say.
+void printSubmitted(const std::optional<ASCReviewSubmission>& submission, Console& console);
 
 namespace ReleaseCommands {
 

@@ -10,7 +10,7 @@ std::string BuildArchiveError::errorDescription() const {
     switch (kind) {
         case Kind::notAnArchive:
             return localized("buildArchiveErrorNotAnArchive",
-                             "The file isn’t an .ipa or .pkg archive: pass the file that Xcode exported.");
+                             "The file isn’t a whole .ipa or .pkg archive: pass the file that Xcode exported.");
         case Kind::malformed:
             return localized("buildArchiveErrorMalformed",
                              "The archive is damaged or incomplete: copy or export it again.");

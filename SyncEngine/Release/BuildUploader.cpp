@@ -82,7 +82,12 @@ BuildUploadResult BuildUploader::upload(const std::filesystem::path& file, const
 
     for (std::size_t i = 0; i < parts.size(); ++i) {
         onProgress({Progress::Sending{i, parts.size()}});
-        ASC::upload(client_, {parts[i]}, UploadSource::file(file));
+        try {
+            ASC::upload(client_, {parts[i]}, UploadSource::file(file));
+        } catch (const Error&) {
+            unchanged.check();  // a cut file fails in a way that tells nobody why
+            throw;
+        }
         unchanged.check();
     }
     onProgress({Progress::Sending{parts.size(), parts.size()}});

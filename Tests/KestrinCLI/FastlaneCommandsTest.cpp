@@ -2,13 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <barrier>
+
 #include "ASCKit/ASCError.h"
 #include "KestrinCLI/Failure.h"
 #include "KestrinCore/FileError.h"
 #include "KestrinModel/ProjectPackageFile.h"
 #include "SyncEngine/State/ProjectStateStore.h"
+#include "Tests/ASCKit/RawServer.h"
 #include "Tests/Support/FakeConsole.h"
 #include "Tests/Support/ProcessState.h"
+#include "Tests/Support/ProxylessEnvironment.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace kestrin {
@@ -30,6 +34,23 @@ class FastlaneCommandsTest : public testing::Test {
         Arguments args{"export", "fastlane", package, "--to", (folder / target).native()};
         args.insert(args.end(), more.begin(), more.end());
         return FastlaneCommands::exportFastlane(args, console);
+    }
+
+    // A project that shows so many pictures of App Store Connect, each of which lies at that address.
+    void saveWithRemoteScreenshots(int count, const std::string& address) {
+        Project project;
+        project.manifest.projectID = UUID::random();
+        auto& shown = project.platforms[StorePlatform::iOS].media[german][{"IPHONE_67", "APP_SCREENSHOT"}];
+        KnownAssets known;
+        for (int i = 0; i < count; ++i) {
+            ASCLibraryAsset asset;
+            asset.id = "asset-" + std::to_string(i);
+            asset.thumbnail = ImageTemplate{address, 10, 10};
+            shown.push_back(MediaItem::remote(asset.id));
+            known.emplace(asset.id, asset);
+        }
+        ProjectPackageFile::save(project, package);
+        ProjectStateStore::commandLine().saveRemoteAssets(known, project.manifest.projectID);
     }
 
     Project saved() const { return ProjectPackageFile::load(package); }
@@ -174,19 +195,32 @@ TEST_F(FastlaneCommandsTest, ExportTellsOfADownloadEvenOfNothing) {
     EXPECT_TRUE(fs::is_empty(folder / "tmp")) << "the download folder is gone";
 }
 
+// Four requests meet before any is answered: fewer at a time would wait for ever, and more would need a fifth connection.
+TEST_F(FastlaneCommandsTest, ExportDownloadsFourPicturesAtATime) {
+    const EnvironmentVariable home("HOME", folder.path().c_str());
+    const ProxylessEnvironment environment;
+    std::barrier four(4);
+    const RawServer server([&](RawConnection& connection) {
+        while (connection.readRequest()) {
+            four.arrive_and_wait();
+            connection.send(rawReply("picture"));
+        }
+    });
+    saveWithRemoteScreenshots(12, server.root() + "/{w}x{h}.{f}");
+
+    EXPECT_EQ(exportTo("out", {"--download-screenshots"}), 0);
+
+    EXPECT_EQ(server.connections(), 4u);
+    EXPECT_EQ(console.terminal,
+              "Downloading 12 screenshots from App Store Connect…\n"
+              "Exported 0 locales, 0 text files and 12 screenshots.\n");
+}
+
 TEST_F(FastlaneCommandsTest, ExportOfADownloadThatFailsWritesNothing) {
     const EnvironmentVariable home("HOME", folder.path().c_str());
     const EnvironmentVariable temporary("TMPDIR", (folder / "tmp").c_str());
     fs::create_directory(folder / "tmp");
-    Project project;
-    project.manifest.projectID = UUID::random();
-    project.platforms[StorePlatform::iOS].media[german][{"IPHONE_67", "APP_SCREENSHOT"}] = {
-        MediaItem::remote("asset-1")};
-    ProjectPackageFile::save(project, package);
-    ASCLibraryAsset asset;
-    asset.id = "asset-1";
-    asset.thumbnail = ImageTemplate{"ftp://example.com/{w}x{h}.{f}", 10, 10};
-    ProjectStateStore::commandLine().saveRemoteAssets({{asset.id, asset}}, project.manifest.projectID);
+    saveWithRemoteScreenshots(1, "ftp://example.com/{w}x{h}.{f}");
 
     EXPECT_THROW(exportTo("out", {"--download-screenshots"}), ASCError);
 

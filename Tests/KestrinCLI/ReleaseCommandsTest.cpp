@@ -120,6 +120,49 @@ TEST(PrintProductPages, ShowsNothingThatOnlyAppStoreConnectHas) {
     EXPECT_EQ(printed({}, remote), "No custom product pages or tests.\n");
 }
 
+// A resource with these attributes, as the service would send it.
+template <class Record>
+Record recordWith(const JSONObject& attributes) {
+    ResourceObject resource;
+    resource.attributes = attributes;
+    return Record(resource);
+}
+
+TEST(PrintCreated, NamesTheVersionAsTheServiceDoesAndElseAsItWasAskedFor) {
+    struct Row {
+        const char* when;
+        JSONObject attributes;
+        const char* line;
+    };
+    const Row rows[] = {
+        {"both are said",
+         {{"versionString", "1.1.0"}, {"appVersionState", "PREPARE_FOR_SUBMISSION"}},
+         "✓ Created MAC_OS 1.1.0 (PREPARE_FOR_SUBMISSION). Run `kestrin pull` to bring it in.\n"},
+        {"no number",
+         {{"appVersionState", "PREPARE_FOR_SUBMISSION"}},
+         "✓ Created MAC_OS 1.1 (PREPARE_FOR_SUBMISSION). Run `kestrin pull` to bring it in.\n"},
+        {"nothing", {}, "✓ Created MAC_OS 1.1 (). Run `kestrin pull` to bring it in.\n"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.when);
+        FakeConsole console;
+        printCreated(recordWith<ASCAppStoreVersion>(row.attributes), StorePlatform::macOS, "1.1", console);
+        EXPECT_EQ(console.output, row.line);
+    }
+}
+
+TEST(PrintSubmitted, NamesTheStateOrSaysSubmittedWhereThereIsNone) {
+    const auto printed = [](const std::optional<ASCReviewSubmission>& submission) {
+        FakeConsole console;
+        printSubmitted(submission, console);
+        return console.output;
+    };
+    EXPECT_EQ(printed(recordWith<ASCReviewSubmission>({{"state", "IN_REVIEW"}})),
+              "✓ Submitted for review (IN_REVIEW).\n");
+    EXPECT_EQ(printed(recordWith<ASCReviewSubmission>({})), "✓ Submitted for review (submitted).\n");
+    EXPECT_EQ(printed(std::nullopt), "✓ Submitted for review (submitted).\n");
+}
+
 // No API key: whatever asks for one first has got past its own checks.
 class WithoutCredentials : public testing::Test {
  protected:

@@ -96,6 +96,19 @@ TEST_F(HostileArchiveTest, AListOf2GBInOneKilobyteIsRefusedBeforeItIsMade) {
     EXPECT_LT(peakMemoryOf([&] { EXPECT_EQ(errorOf("a.pkg", xar({file})), Kind::malformed); }), kMostMemory);
 }
 
+// What costs the most that is let through: every reader one after another, each with as much as it takes.
+TEST_F(HostileArchiveTest, TheCostliestDocumentsThatAreReadTakeLittleMemory) {
+    const auto list = xmlPropertyList("<key>a</key><array>" + repeated(149'000, "<true/>") + "</array>");
+    ASSERT_GT(list.size(), 1'040'000u);
+    std::string attributes = "<d><bundle CFBundleShortVersionString='1'";
+    for (int i = 0; attributes.size() < 1'048'000; ++i) attributes += " a" + std::to_string(i) + "=''";
+    attributes += "/></d>";
+    const auto ipa = zip({deflatedMember(kInfo, list)});
+    const auto pkg = xar({{"Distribution", "application/x-gzip", zlibStream(attributes), attributes.size()}});
+    EXPECT_LT(peakMemoryOf([&] { EXPECT_EQ(errorOf("a.ipa", ipa), std::nullopt); }), kMostMemory);
+    EXPECT_LT(peakMemoryOf([&] { EXPECT_EQ(errorOf("a.pkg", pkg), std::nullopt); }), kMostMemory);
+}
+
 TEST_F(HostileArchiveTest, ATableOfContentsOf2GBIsRefusedBeforeItIsMade) {
     for (const std::size_t field : {8u, 16u}) {
         auto bytes = xar({{"Distribution", "", distribution(), distribution().size()}});

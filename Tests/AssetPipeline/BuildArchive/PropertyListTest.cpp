@@ -31,6 +31,16 @@ TEST(PropertyList, ReadsXML) {
     EXPECT_EQ(list.texts("texts"), (std::vector<std::string>{"a", "b"}));
 }
 
+TEST(PropertyList, ReadsTextAsXMLMayWriteIt) {
+    const auto list = PropertyList::parse(xmlPropertyList(
+        "<!-- who? --><key>a</key><string>&#252;&#x1F319;&lt;&gt;&quot;&apos;</string>"
+        "<key>b</key><string><![CDATA[<x>]]></string><key>c</key><string></string><key>d</key><string/>"));
+    EXPECT_EQ(list.text("a"), "ü🌙<>\"'");
+    EXPECT_EQ(list.text("b"), "<x>");
+    EXPECT_EQ(list.text("c"), "");
+    EXPECT_EQ(list.text("d"), "");
+}
+
 TEST(PropertyList, ReadsBinary) {
     const auto list = PropertyList::parse(
         binaryPropertyList::of({dictionary({1, 2, 3, 4}, {5, 6, 7, 8}), ascii("text"), ascii("yes"),

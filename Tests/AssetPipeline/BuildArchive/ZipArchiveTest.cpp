@@ -42,7 +42,7 @@ std::string withNumber(std::string bytes, std::size_t fromEnd, std::uint64_t num
     return bytes.replace(bytes.size() - fromEnd, static_cast<std::size_t>(size), littleEndian(number, size));
 }
 
-std::string zip64Extra(std::initializer_list<std::uint64_t> values) {
+std::string zip64Extra(const std::vector<std::uint64_t>& values) {
     auto extra = littleEndian(1, 2) + littleEndian(8 * values.size(), 2);
     for (const auto value : values) extra += littleEndian(value, 8);
     return extra;
@@ -163,6 +163,32 @@ TEST_F(ZipArchiveTest, AZip64ExtraHasOnlyWhatTheHeaderLeavesToIt) {
         member.size = row.size;
         member.directoryExtra = row.extra;
         EXPECT_EQ(entry(zip({member}), "a")->uncompressedSize, row.result);
+    }
+}
+
+// The size, the length as stored and the place of the only member, any of which the header may leave to the extra
+// field; there they stand in this order whichever they are.
+TEST_F(ZipArchiveTest, AZip64ExtraHasTheSizeTheLengthAndThePlaceInThisOrder) {
+    constexpr std::uint64_t kElsewhere = 0xFFFFFFFF;
+    constexpr std::size_t kLengthInHeader = 20, kSizeInHeader = 24, kPlaceInHeader = 42;
+    for (const unsigned left : {0b000u, 0b001u, 0b010u, 0b011u, 0b100u, 0b101u, 0b110u, 0b111u}) {
+        SCOPED_TRACE(left);
+        const auto isLeft = [&](unsigned bit) { return (left >> bit & 1) != 0; };
+        auto member = storedMember("a", "abc");
+        std::vector<std::uint64_t> extra;
+        if (isLeft(0)) extra.push_back(std::uint64_t{1} << 40);
+        if (isLeft(1)) extra.push_back(std::uint64_t{1} << 41);
+        if (isLeft(2)) extra.push_back(std::uint64_t{1} << 42);
+        member.directoryExtra = zip64Extra(extra);
+        auto bytes = zip({member});
+        const auto header = bytes.rfind("PK\x01\x02");
+        bytes.replace(header + kSizeInHeader, 4, littleEndian(isLeft(0) ? kElsewhere : 7, 4));
+        bytes.replace(header + kLengthInHeader, 4, littleEndian(isLeft(1) ? kElsewhere : 8, 4));
+        bytes.replace(header + kPlaceInHeader, 4, littleEndian(isLeft(2) ? kElsewhere : 9, 4));
+
+        EXPECT_EQ(entry(bytes, "a"),
+                  (Entry{"a", 0, isLeft(1) ? std::uint64_t{1} << 41 : 8,
+                         isLeft(0) ? std::uint64_t{1} << 40 : 7, isLeft(2) ? std::uint64_t{1} << 42 : 9}));
     }
 }
 

@@ -245,6 +245,32 @@ TEST(BuildUploader, AFileThatChangesWhileItIsSentIsAnErrorOfItsOwn) {
     }
 }
 
+TEST(BuildUploader, AFileThatChangesIsToldRatherThanWhatItMakesOfThePart) {
+    const FileError unreadable(FileError::Operation::read, "App.ipa",
+                               std::make_error_code(std::errc::io_error));
+    const std::pair<const char*, Step> failures[] = {
+        {"the part is too short for the service", reply(400)},
+        {"the part can't be read to its end", [&](auto&&...) -> HTTPResponse { throw unreadable; }},
+    };
+    for (const auto& [what, failure] : failures) {
+        SCOPED_TRACE(what);
+        World world({reply(201, kUpload), reply(201, fileReply(operation(0, 6))), failure});
+        world.onProgress = [&](const std::string& step) {
+            if (step == "sending 0 of 1") world.folder.write("App.ipa", "abc");
+        };
+        EXPECT_EQ(errorOf([&] { world.upload(); }),
+                  BuildUploadError::Kind(BuildUploadError::FileChanged{"App.ipa"}));
+    }
+}
+
+TEST(BuildUploader, AFileThatCannotBeReadButIsTheSameIsTheFileError) {
+    const FileError unreadable(FileError::Operation::read, "App.ipa",
+                               std::make_error_code(std::errc::io_error));
+    World world({reply(201, kUpload), reply(201, fileReply(operation(0, 6))),
+                 [&](auto&&...) -> HTTPResponse { throw unreadable; }});
+    EXPECT_THROW(world.upload(), FileError);
+}
+
 TEST(BuildUploader, AFileThatIsNotTheOneThatWasInspectedIsNotSent) {
     World world;
     world.folder.write("App.ipa", "abcdefg");

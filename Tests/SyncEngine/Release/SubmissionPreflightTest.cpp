@@ -184,11 +184,19 @@ TEST(SubmissionPreflight, ChangesOfTheVersionAndOfAllThatHasNoPlatformArePushed)
              withChange(ContentKey::Review{kMac, ReviewAttribute::notes}), "passed"},
             {"a custom page", withChange(ContentKey::Page{kPage, PageAttribute::name}),
              "failed: pages/summer/name"},
+            {"a custom page's promotional text", withChange(ContentKey::PagePromotionalText{kPage, kGerman}),
+             "failed: pages/summer/de-DE/promotionalText"},
+            {"a custom page's media",
+             withChange(ContentKey::PagePlacements{kPage, kGerman, ReadyVersion::phone}),
+             "failed: pages/summer/de-DE/media/IPHONE_67/APP_SCREENSHOT"},
             {"a test, whichever platform it is for",
              withChange(ContentKey::Experiment{kTest, ExperimentAttribute::platform}),
              "failed: experiments/icons/platform"},
             {"a treatment", withChange(ContentKey::Treatment{kTest, {"blue"}, TreatmentAttribute::name}),
              "failed: experiments/icons/treatments/blue/name"},
+            {"a treatment's media",
+             withChange(ContentKey::TreatmentPlacements{kTest, {"blue"}, kGerman, ReadyVersion::phone}),
+             "failed: experiments/icons/treatments/blue/de-DE/media/IPHONE_67/APP_SCREENSHOT"},
         });
 }
 
