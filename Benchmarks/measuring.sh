@@ -23,6 +23,11 @@ row() { # what, figure µs, yardstick, figure µs, bar
                other / 1000, ratio, bar, (ratio > bar ? "   MISSED" : "") }'
 }
 
+limit() { # what, figure, bar, unit
+    awk -v what="$1" -v figure="$2" -v bar="$3" -v unit="$4" 'BEGIN {
+        printf "%-48s %9.3f %s   (at most %s %s)%s\n", what, figure, unit, bar, unit, (figure > bar ? "   MISSED" : "") }'
+}
+
 peak() { # KiB
     /usr/bin/time -f '%M' "$@" 2>&1 >/dev/null | tail -n 1
 }
