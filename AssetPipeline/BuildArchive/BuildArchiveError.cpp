@@ -9,8 +9,9 @@ using message::localized;
 std::string BuildArchiveError::errorDescription() const {
     switch (kind) {
         case Kind::notAnArchive:
-            return localized("buildArchiveErrorNotAnArchive",
-                             "The file isn’t a whole .ipa or .pkg archive: pass the file that Xcode exported.");
+            return localized(
+                "buildArchiveErrorNotAnArchive",
+                "The file isn’t a whole .ipa or .pkg archive: pass the file that Xcode exported.");
         case Kind::malformed:
             return localized("buildArchiveErrorMalformed",
                              "The archive is damaged or incomplete: copy or export it again.");

@@ -251,7 +251,8 @@ TEST(BuildArchiveInfo, TakesTheVersionsThatAreGivenInPlaceOfItsOwn) {
 
 TEST(BuildArchiveError, SaysWhatTheUserCanDo) {
     const std::pair<Kind, const char*> sentences[] = {
-        {Kind::notAnArchive, "The file isn’t a whole .ipa or .pkg archive: pass the file that Xcode exported."},
+        {Kind::notAnArchive,
+         "The file isn’t a whole .ipa or .pkg archive: pass the file that Xcode exported."},
         {Kind::malformed, "The archive is damaged or incomplete: copy or export it again."},
         {Kind::unsupportedCompression,
          "The app’s Info.plist is compressed in a way that can’t be read: export the archive with Xcode, or "
