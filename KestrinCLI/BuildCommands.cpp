@@ -22,7 +22,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* kUnknown = "?";
+// Empty counts as absent.
+std::string orUnknown(const std::optional<std::string>& text) {
+    return text && !text->empty() ? *text : "?";
+}
 
 const char* exportCompliance(const std::optional<bool>& usesNonExemptEncryption) {
     if (!usesNonExemptEncryption) return "export compliance unanswered";
@@ -95,14 +98,14 @@ std::optional<bool> encryptionOption(const Arguments& args) {
 }  // namespace
 
 std::string describe(const BuildArchiveInfo& info, const std::string& fileName) {
-    return fmt::format("{}: {} {} ({}), {}", fileName, info.platform, info.shortVersion.value_or(kUnknown),
-                       info.buildVersion.value_or(kUnknown), byteCount(info.fileSize));
+    return fmt::format("{}: {} {} ({}), {}", fileName, info.platform, orUnknown(info.shortVersion),
+                       orUnknown(info.buildVersion), byteCount(info.fileSize));
 }
 
 std::string describe(const ASCBuild& build) {
-    return fmt::format("{} ({})\t{}\t{}{}", build.versionString.value_or(kUnknown), build.buildNumber,
-                       build.processingState.value_or(kUnknown),
-                       exportCompliance(build.usesNonExemptEncryption), build.isExpired ? "\texpired" : "");
+    return fmt::format("{} ({})\t{}\t{}{}", orUnknown(build.versionString), build.buildNumber,
+                       orUnknown(build.processingState), exportCompliance(build.usesNonExemptEncryption),
+                       build.isExpired ? "\texpired" : "");
 }
 
 void printUploaded(const BuildUploadResult& result, Console& console) {

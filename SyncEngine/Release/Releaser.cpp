@@ -15,6 +15,16 @@ std::optional<std::string> nonEmpty(const std::optional<std::string>& text) {
     return text && !text->empty() ? text : std::nullopt;
 }
 
+// The error, and in front of what it says these reasons: why a version wasn't taken explains why the submission that
+// lacks it can't be sent, which by itself says only that.
+ASCError withReasons(const std::vector<APIErrorItem>& reasons, const ASCError& error) {
+    const auto* http = error.as<ASCError::HTTP>();
+    if (!http) return error;
+    auto explained = *http;
+    explained.errors.insert(explained.errors.begin(), reasons.begin(), reasons.end());
+    return ASCError(std::move(explained));
+}
+
 const RemoteVersion& versionIn(const RemoteIDs& ids, const StorePlatform& platform) {
     const auto* version = valueIn(ids.versions, platform);
     if (!version) throw ReleaseError(ReleaseError::NoVersion{platform});
@@ -82,21 +92,28 @@ std::optional<ASCReviewSubmission> Releaser::submit(const Project& project, cons
     const auto& version = versionIn(review.remote.ids, platform);
     auto submission = ASC::openReviewSubmission(client_, appID, platform.rawValue);
     if (!submission) submission = ASC::createReviewSubmission(client_, appID, platform.rawValue);
-    addVersion(version.id, submission->id);
-    return ASC::submitReviewSubmission(client_, submission->id);
+    const auto refusal = addVersion(version.id, submission->id);
+    try {
+        return ASC::submitReviewSubmission(client_, submission->id);
+    } catch (const ASCError& error) {
+        throw withReasons(refusal, error);
+    }
 }
 
 RemoteVersion Releaser::knownVersion(const StorePlatform& platform, const Project& project) const {
     return versionIn(stateStore_.remoteIDs(project.manifest.projectID).value_or(RemoteIDs{}), platform);
 }
 
-void Releaser::addVersion(const std::string& versionID, const std::string& submissionID) {
+std::vector<APIErrorItem> Releaser::addVersion(const std::string& versionID,
+                                               const std::string& submissionID) {
     try {
         ASC::addToReviewSubmission(client_, submissionID,
                                    {ReviewSubmissionItem::Kind::appStoreVersion, versionID});
+        return {};
     } catch (const ASCError& error) {
         const auto* http = error.as<ASCError::HTTP>();
         if (!http || http->status != kConflict) throw;
+        return http->errors;
     }
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ASCKit/ASCClient.h"
+#include "ASCKit/ASCError.h"
 #include "ASCKit/Resources/AppStoreVersions.h"
 #include "ASCKit/Resources/Builds.h"
 #include "ASCKit/Resources/ReviewSubmissions.h"
@@ -62,14 +63,16 @@ class Releaser {
     //
     // ReleaseError when an item has failed (manual ones hold nothing up) or there is no version; SyncError for a
     // project that isn't connected. When it fails on the way, the submission stays open and the next call takes it
-    // up again, for which reason a version that is already in it is no failure.
+    // up again, for which reason a version that is already in it is no failure. The service's words don't tell that
+    // from a version that it doesn't take; they are part of the error when the submission then can't be sent.
     std::optional<ASCReviewSubmission> submit(const Project& project, const StorePlatform& platform,
                                               const PushReview& review,
                                               const std::vector<PreflightItem>& items);
 
  private:
     RemoteVersion knownVersion(const StorePlatform& platform, const Project& project) const;
-    void addVersion(const std::string& versionID, const std::string& submissionID);
+    // Why the service didn't take it, where that may mean that it has it already; else nothing.
+    std::vector<APIErrorItem> addVersion(const std::string& versionID, const std::string& submissionID);
 
     ASCClient& client_;
     ProjectStateStore stateStore_;

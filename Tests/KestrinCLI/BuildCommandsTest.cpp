@@ -41,6 +41,8 @@ TEST(DescribeBuildArchive, IsTheFileItsPlatformItsVersionsAndItsSize) {
     EXPECT_EQ(describe(info, "App.ipa"), "App.ipa: IOS 1.4 (27), 12.3 MB");
     info.shortVersion = info.buildVersion = std::nullopt;
     EXPECT_EQ(describe(info, "App.ipa"), "App.ipa: IOS ? (?), 12.3 MB");
+    info.shortVersion = info.buildVersion = "";
+    EXPECT_EQ(describe(info, "App.ipa"), "App.ipa: IOS ? (?), 12.3 MB") << "empty is as good as absent";
 }
 
 TEST(PrintUploaded, HasEachWarningAndTheBuild) {

@@ -104,6 +104,21 @@ TEST(Releaser, EndsWithAnyOtherErrorOfTheService) {
     }
 }
 
+TEST(Releaser, SaysWhyTheVersionWasNotTakenWhenTheSubmissionCannotBeSent) {
+    const auto refused = [](const char* detail) {
+        return reply(409, std::string(R"({"errors":[{"detail":")") + detail + "\"}]}");
+    };
+    World world(
+        {reply(200, kSubmission), refused("The release notes are missing."), refused("It is empty.")});
+    try {
+        world.submit();
+        FAIL() << "sent nothing at all";
+    } catch (const ASCError& error) {
+        EXPECT_EQ(error.errorDescription(),
+                  "App Store Connect returned an error (409). The release notes are missing. It is empty.");
+    }
+}
+
 TEST(Releaser, CountsAsSubmittedWhenTheReplyIsEmpty) {
     World world({reply(200, kSubmission), reply(201, kItem), reply(204)});
     EXPECT_FALSE(world.submit());
