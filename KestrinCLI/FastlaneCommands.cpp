@@ -69,9 +69,9 @@ int FastlaneCommands::importFastlane(const Arguments& args, Console& console) {
     const auto package = fileURL(option("--into", args).value());
     auto project = loadOrCreate(package, option("--bundle-id", args));
     FastlaneDeliverImporter::importListing(fileURL(args[2]), project, StorePlatform::iOS);
+    const auto name = lastPathComponent(package);  // a save may replace the folder that "." means
     ProjectPackageFile::save(project, package);
-    console.print(fmt::format("Imported {} locales into {}.", project.manifest.locales.size(),
-                              lastPathComponent(package)));
+    console.print(fmt::format("Imported {} locales into {}.", project.manifest.locales.size(), name));
     return 0;
 }
 

@@ -118,8 +118,9 @@ int pull(const Arguments& args, Console& console) {
     auto result = ProjectPuller(client, store).pull(project, mediaLocator(package));
     const bool tookRemote = hasFlag("--take-remote", args);
     if (tookRemote) takeRemote(result);
+    const auto name = lastPathComponent(package);  // a save may replace the folder that "." means
     save(result.project, package, store, earlier);
-    printPulled(result, lastPathComponent(package), tookRemote, console);
+    printPulled(result, name, tookRemote, console);
     noteRateLimit(client, console);
     return 0;
 }
