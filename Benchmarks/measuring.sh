@@ -16,11 +16,12 @@ median() {
     for ((i = 0; i < count; i++)); do milliseconds "$@"; done | sort -n | sed -n "$(((count + 1) / 2))p"
 }
 
-row() { # what, figure µs, yardstick, figure µs, bar
-    awk -v what="$1" -v figure="$2" -v yardstick="$3" -v other="$4" -v bar="$5" 'BEGIN {
+row() { # what, figure µs, yardstick, figure µs, bar; no bar is for a figure that only informs
+    awk -v what="$1" -v figure="$2" -v yardstick="$3" -v other="$4" -v bar="${5:-}" 'BEGIN {
         ratio = figure / other
-        printf "%-34s %9.1f ms   %-30s %9.1f ms   %5.2f x   (at most %s x)%s\n", what, figure / 1000, yardstick,
-               other / 1000, ratio, bar, (ratio > bar ? "   MISSED" : "") }'
+        printf "%-34s %9.1f ms   %-30s %9.1f ms   %5.2f x", what, figure / 1000, yardstick, other / 1000, ratio
+        if (bar != "") printf "   (at most %s x)%s", bar, (ratio > bar ? "   MISSED" : "")
+        printf "\n" }'
 }
 
 limit() { # what, figure, bar, unit

@@ -3,15 +3,13 @@
 //   upload-media FILE             as a push does; prints the milliseconds for which its bytes were under way
 //   upload-media --reserve FILE   only the first of the steps; prints what each part needs: CONTENT-TYPE URL
 #include <chrono>
-#include <cstdlib>
 #include <exception>
 #include <iostream>
-#include <map>
 #include <memory>
 #include <string_view>
 
-#include "ASCKit/Credentials/EnvironmentCredentials.h"
 #include "ASCKit/Transport/CurlTransport.h"
+#include "Benchmarks/EnvironmentCredential.h"
 #include "SyncEngine/Push/MediaPushContext.h"
 
 namespace {
@@ -35,14 +33,6 @@ class TimedTransport final : public HTTPTransport {
  private:
     CurlTransport transport_;
 };
-
-std::map<std::string, std::string> environment() {
-    std::map<std::string, std::string> variables;
-    for (const char* name : {"ASC_KEY_ID", "ASC_ISSUER_ID", "ASC_PRIVATE_KEY"}) {
-        if (const char* value = std::getenv(name)) variables.emplace(name, value);
-    }
-    return variables;
-}
 
 void upload(const std::filesystem::path& file, ASCClient& client) {
     MediaPushContext context;
@@ -76,8 +66,7 @@ int main(int argc, char** argv) {
     }
     try {
         const auto transport = std::make_shared<TimedTransport>();
-        ASCClient client(TokenProvider(JWTSigner(EnvironmentCredentials::load(environment()))), transport,
-                         {});
+        ASCClient client(TokenProvider(JWTSigner(environmentCredential())), transport, {});
         if (onlyReserves) {
             reserve(argv[2], client);
         } else {
