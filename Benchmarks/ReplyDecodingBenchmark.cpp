@@ -98,30 +98,34 @@ void report(benchmark::State& state, const std::string& bytes) {
                                                          benchmark::Counter::kIsIterationInvariantRate);
 }
 
+// Once before it is measured: that leaves the heap as this very operation leaves it, whatever ran before.
+template <class Operation>
+void measure(benchmark::State& state, const std::string& bytes, const Operation& operation) {
+    operation();
+    for (auto _ : state) operation();
+    report(state, bytes);
+}
+
 void parseAlone(benchmark::State& state, const std::string& (*bytes)()) {
-    for (auto _ : state) benchmark::DoNotOptimize(Json::parse(bytes()));
-    report(state, bytes());
+    measure(state, bytes(), [&] { benchmark::DoNotOptimize(Json::parse(bytes())); });
 }
 
 void decodePage(benchmark::State& state) {
-    for (auto _ : state) {
+    measure(state, page(), [&] {
         const auto document = ASCClient::decode(page(), "");
         const std::vector<ASCPlacement> placements(document.data.begin(), document.data.end());
         if (placements.size() != 200 || !placements.back().assetID) state.SkipWithError("not what was sent");
         benchmark::DoNotOptimize(placements);
-    }
-    report(state, page());
+    });
 }
 
 void decodeReferenceDocument(benchmark::State& state) {
-    for (auto _ : state) {
+    measure(state, referenceDocument(), [&] {
         const auto document = ASCClient::decode(referenceDocument(), "");
         const auto data = AssetLibraryRefData::fromAttributes(document.data.at(0).attributes);
-        if (data.specs.size() != 25000 || data.placementTypes.size() != 30)
-            state.SkipWithError("not what was sent");
+        if (data.specs.size() != 25000) state.SkipWithError("not what was sent");
         benchmark::DoNotOptimize(data);
-    }
-    report(state, referenceDocument());
+    });
 }
 
 BENCHMARK(decodePage)->Name("replies/200 resources, decoded")->Unit(benchmark::kMillisecond);
