@@ -26,7 +26,7 @@ void takeRemote(PullResult& result) {
 
 // The state is already that after the pull. Where the package can't follow, it goes back to what it was.
 void save(const Project& project, const std::filesystem::path& package, const ProjectStateStore& store,
-          const ProjectStateStore::Copy& earlier) {
+          const ProjectStateStore::Earlier& earlier) {
     try {
         ProjectPackageFile::save(project, package);
     } catch (...) {
@@ -111,11 +111,11 @@ PushResult pushed(ProjectReview& reviewed, const std::set<ContentKey>& selection
 
 int pull(const Arguments& args, Console& console) {
     const auto package = fileURL(args[1]);
-    const auto project = loadOrCreate(package, option("--bundle-id", args));
+    auto project = loadOrCreate(package, option("--bundle-id", args));
     auto client = makeClient(console);
     const auto store = ProjectStateStore::commandLine();
-    const auto earlier = store.copy(project.manifest.projectID);
-    auto result = ProjectPuller(client, store).pull(project, mediaLocator(package));
+    const auto earlier = store.keep(project.manifest.projectID);
+    auto result = ProjectPuller(client, store).pull(std::move(project), mediaLocator(package));
     const bool tookRemote = hasFlag("--take-remote", args);
     if (tookRemote) takeRemote(result);
     const auto name = lastPathComponent(package);  // a save may replace the folder that "." means

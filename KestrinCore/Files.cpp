@@ -154,6 +154,13 @@ std::string readWhole(const path& name, std::uintmax_t limit) {
     return readWhole(openForReading(name), name, limit);
 }
 
+bool areSameFile(const Descriptor& a, const Descriptor& b) {
+    struct stat first {};
+    struct stat second {};
+    if (fstat(a.number(), &first) != 0 || fstat(b.number(), &second) != 0) return false;
+    return first.st_ino == second.st_ino && first.st_dev == second.st_dev;
+}
+
 void writeAll(const Descriptor& file, std::string_view bytes, const path& name) {
     while (!bytes.empty()) {
         const auto written = write(file.number(), bytes.data(), bytes.size());
@@ -172,17 +179,28 @@ void copyAll(const Descriptor& source, const path& sourcePath, const Descriptor&
 }
 
 void writeAtomically(const path& target, std::string_view bytes, Flush flush) {
+    writeAtomically(
+        target, [&](const TakePiece& take) { take(bytes); }, flush);
+}
+
+void writeAtomically(const path& target, const std::function<void(const TakePiece&)>& makeContent,
+                     Flush flush) {
     TemporaryFile temporary(target, modeOfReplaced(target));
-    writeAll(temporary.file(), bytes, target);
+    makeContent([&](std::string_view piece) { writeAll(temporary.file(), piece, target); });
     temporary.placeAt(target, flush);
 }
 
 void copyAtomically(const path& source, const path& target, Flush flush) {
-    const auto original = openForReading(source);
-    const auto status = statusOfRegular(original, source);
+    copyAtomically(openForReading(source), source, target, flush);
+}
+
+void copyAtomically(const Descriptor& source, const path& sourcePath, const path& target, Flush flush) {
+    const auto status = statusOfRegular(source, sourcePath);
     modeOfReplaced(target);
     TemporaryFile temporary(target, status.st_mode & kPermissions);
-    copyAll(original, source, temporary.file(), target);
+    if (lseek(source.number(), 0, SEEK_SET) < 0)
+        throw FileError::fromErrno(FileError::Operation::read, sourcePath);
+    copyAll(source, sourcePath, temporary.file(), target);
     temporary.placeAt(target, flush);
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -41,6 +42,9 @@ std::string readWhole(const std::filesystem::path& path, std::uintmax_t limit);
 // The same for an open file; `path` is for the error.
 std::string readWhole(const Descriptor& file, const std::filesystem::path& path, std::uintmax_t limit);
 
+// Whether both are open and the same file on the disk.
+bool areSameFile(const Descriptor& a, const Descriptor& b);
+
 // Writes all bytes or throws FileError naming `path`.
 void writeAll(const Descriptor& file, std::string_view bytes, const std::filesystem::path& path);
 
@@ -62,11 +66,23 @@ enum class Flush { yes, no };
 // nothing outside of the folder changes, wherever it points. Anything else at `path` is an error.
 void writeAtomically(const std::filesystem::path& path, std::string_view bytes, Flush flush = Flush::yes);
 
+// Takes the next bytes of something that is made piece by piece.
+using TakePiece = std::function<void(std::string_view)>;
+
+// The same for content that is never in memory whole: `makeContent` hands its pieces, in order, to what it is given. If
+// it throws, nothing has changed.
+void writeAtomically(const std::filesystem::path& path,
+                     const std::function<void(const TakePiece&)>& makeContent, Flush flush = Flush::yes);
+
 // Puts a copy of the file at `source` (links followed) at `target` in one step, as writeAtomically does, with the
 // permissions of the source. Throws FileError naming the path that failed, also for a source that isn't a regular file,
 // and then nothing has changed.
 void copyAtomically(const std::filesystem::path& source, const std::filesystem::path& target,
                     Flush flush = Flush::yes);
+
+// The same for a source that is open already, and for all of it, wherever it stands. `sourcePath` is for the error.
+void copyAtomically(const Descriptor& source, const std::filesystem::path& sourcePath,
+                    const std::filesystem::path& target, Flush flush = Flush::yes);
 
 // Makes the folder and those on the way to it that aren't there; one that is there already is fine. Throws FileError.
 void createFolders(const std::filesystem::path& folder);

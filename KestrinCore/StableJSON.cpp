@@ -23,6 +23,9 @@ std::optional<std::int64_t> exactInteger(double number) {
 
 // Writing
 
+// What an ObjectWriter collects before it hands it over.
+constexpr std::size_t kPiece = std::size_t{64} << 10;
+
 // Below it a number is written with an exponent, so that no number is a long row of zeros.
 constexpr double kSmallestPlain = 1e-4;
 
@@ -43,6 +46,14 @@ class Writer {
                    value.storage());
     }
 
+    // One member of an object whose members are `depth` levels down; `isFirst` is false afterwards.
+    void writeMember(std::string_view name, const JSONValue& value, bool& isFirst, std::size_t depth) {
+        separate(isFirst, depth);
+        writeString(name);
+        out_ += pretty_ ? " : " : ":";
+        write(value, depth);
+    }
+
  private:
     void writeArray(const JSONArray& array, std::size_t depth) {
         open('[', array.empty(), depth);
@@ -57,12 +68,7 @@ class Writer {
     void writeObject(const JSONObject& object, std::size_t depth) {
         open('{', object.empty(), depth);
         bool first = true;
-        for (const auto& [key, value] : object) {
-            separate(first, depth + 1);
-            writeString(key);
-            out_ += pretty_ ? " : " : ":";
-            write(value, depth + 1);
-        }
+        for (const auto& [key, value] : object) writeMember(key, value, first, depth + 1);
         close('}', depth);
     }
 
@@ -243,6 +249,23 @@ std::string encode(const JSONValue& value) {
     Writer(out, true).write(value, 0);
     out += '\n';
     return out;
+}
+
+ObjectWriter::ObjectWriter(Take take) : take_(std::move(take)), pending_("{") {}
+
+void ObjectWriter::add(std::string_view name, const JSONValue& value) {
+    Writer(pending_, true).writeMember(name, value, isEmpty_, 1);
+    if (pending_.size() >= kPiece) handOver();
+}
+
+void ObjectWriter::finish() {
+    pending_ += isEmpty_ ? "\n\n}\n" : "\n}\n";
+    handOver();
+}
+
+void ObjectWriter::handOver() {
+    take_(pending_);
+    pending_.clear();
 }
 
 std::string encodeCompact(const JSONValue& value) {

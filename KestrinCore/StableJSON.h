@@ -13,6 +13,7 @@
 // document that was written here is written the same after any number of readings.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -37,6 +38,26 @@ template <JSONEncodable T>
 std::string encode(const T& record) {
     return encode(record.toJSON());
 }
+
+// encode() of an object that is too large to be in memory whole, be it as a value or as text: its members are given one
+// after another, and what is ready goes to `take` in pieces.
+class ObjectWriter {
+ public:
+    using Take = std::function<void(std::string_view)>;
+    explicit ObjectWriter(Take take);
+
+    // Each name once, in ascending byte order. Throws EncodingError, after which the object can't be finished.
+    void add(std::string_view name, const JSONValue& value);
+    // The last piece.
+    void finish();
+
+ private:
+    void handOver();
+
+    Take take_;
+    std::string pending_;
+    bool isEmpty_ = true;
+};
 
 // The same values in as few bytes as possible: sorted, no blanks, no line feed.
 std::string encodeCompact(const JSONValue& value);

@@ -10,11 +10,10 @@ namespace kestrin {
 namespace {
 
 // The same updates on the project whose files weren't replaced by assets.
-Project updatedWithoutResolution(const Project& project, const PullResult& merged) {
-    auto result = project;
-    for (const auto& key : merged.updatedKeys) ContentGraph::copy(key, merged.project, result);
-    result.manifest = merged.project.manifest;
-    return result;
+Project updatedWithoutResolution(Project project, const PullResult& merged) {
+    for (const auto& key : merged.updatedKeys) ContentGraph::copy(key, merged.project, project);
+    project.manifest = merged.project.manifest;
+    return project;
 }
 
 }  // namespace
@@ -22,11 +21,11 @@ Project updatedWithoutResolution(const Project& project, const PullResult& merge
 PullResult ProjectPuller::pull(Project project, const MediaLocator& locate) {
     auto& appID = project.manifest.app.ascAppID;
     if (!appID) appID = resolveAppID(project.manifest.app.bundleID);
-    const auto& projectID = project.manifest.projectID;
+    const auto projectID = project.manifest.projectID;
 
     const auto remote =
         PullService(client_).fetch(*appID, ProductPageSlugs(stateStore_.remoteIDs(projectID), project));
-    auto result = mergeWithMedia(project, remote, stateStore_.base(projectID), locate);
+    auto result = mergeWithMedia(std::move(project), remote, stateStore_.base(projectID), locate);
     // Names come from the service: one that leads elsewhere must be refused while nothing is written.
     RemoteNames::check(remote);
     PackageNames::check(result.project);
@@ -37,13 +36,15 @@ PullResult ProjectPuller::pull(Project project, const MediaLocator& locate) {
     return result;
 }
 
-PullResult ProjectPuller::mergeWithMedia(const Project& project, const RemoteListing& remote,
+PullResult ProjectPuller::mergeWithMedia(Project project, const RemoteListing& remote,
                                          const std::optional<FlatValues>& base, const MediaLocator& locate) {
-    if (!locate || !MediaResolver::hasLocalFiles(project)) return PullMerger::merge(project, remote, base);
+    if (!locate || !MediaResolver::hasLocalFiles(project))
+        return PullMerger::merge(std::move(project), remote, base);
     const auto library = LibraryIndex::fetch(client_, *project.manifest.app.ascAppID);
-    const auto resolved = MediaResolver::resolve(project, library, locate).project;
-    auto result = PullMerger::merge(resolved, remote, base);
-    if (resolved != project) result.project = updatedWithoutResolution(project, result);
+    auto resolved = MediaResolver::resolve(project, library, locate).project;
+    const bool isAnother = resolved != project;
+    auto result = PullMerger::merge(std::move(resolved), remote, base);
+    if (isAnother) result.project = updatedWithoutResolution(std::move(project), result);
     return result;
 }
 

@@ -26,7 +26,7 @@ class ProjectPuller {
 
  private:
     std::string resolveAppID(const std::string& bundleID);
-    PullResult mergeWithMedia(const Project& project, const RemoteListing& remote,
+    PullResult mergeWithMedia(Project project, const RemoteListing& remote,
                               const std::optional<FlatValues>& base, const MediaLocator& locate);
 
     ASCClient& client_;

@@ -68,12 +68,10 @@ void updateManifest(Project& project, const RemoteListing& remote, bool isFirstP
     movePrimaryLocaleToFront(project.manifest);
 }
 
-}  // namespace
-
-PullResult merge(const Project& local, const RemoteListing& remote, const std::optional<FlatValues>& base) {
+PullResult mergeValues(Project local, const RemoteListing& remote, const std::optional<FlatValues>& base) {
     const auto remoteProject = remote.project();
     const auto localValues = ContentGraph::flatten(local);
-    PullResult result{local, {}, {}, ContentGraph::flatten(remoteProject)};
+    PullResult result{std::move(local), {}, {}, ContentGraph::flatten(remoteProject)};
     const FlatValues none;
     for (const auto& key : FlatValue::keys({&localValues, &result.base, base ? &*base : &none})) {
         const auto& localValue = FlatValue::of(key, localValues);
@@ -91,6 +89,13 @@ PullResult merge(const Project& local, const RemoteListing& remote, const std::o
                 break;
         }
     }
+    return result;
+}
+
+}  // namespace
+
+PullResult merge(Project local, const RemoteListing& remote, const std::optional<FlatValues>& base) {
+    auto result = mergeValues(std::move(local), remote, base);
     updateManifest(result.project, remote, !base);
     return result;
 }

@@ -38,7 +38,7 @@ namespace PullMerger {
 // The manifest follows: platforms of the remote side are added; locales in use are added behind those that stand
 // there, with the primary one moved to the front. A first pull also drops the platforms and locales without content
 // and takes the remote primary locale.
-PullResult merge(const Project& local, const RemoteListing& remote, const std::optional<FlatValues>& base);
+PullResult merge(Project local, const RemoteListing& remote, const std::optional<FlatValues>& base);
 
 }  // namespace PullMerger
 

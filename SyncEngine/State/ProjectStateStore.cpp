@@ -1,8 +1,8 @@
 #include "SyncEngine/State/ProjectStateStore.h"
 
 #include <cstdlib>
+#include <string_view>
 
-#include "KestrinCore/Files.h"
 #include "KestrinCore/HomeFolder.h"
 #include "KestrinCore/Message.h"
 #include "KestrinCore/StableJSON.h"
@@ -21,20 +21,21 @@ constexpr const char* kRefData = "refdata.json";
 // Far above what a listing can come to, so that a file from elsewhere can't exhaust the memory.
 constexpr std::uintmax_t kMaximumFileSize = 256u << 20;
 
-std::optional<std::string> readBytes(const fs::path& file) {
+// Not open when there is no such file.
+files::Descriptor openIfThere(const fs::path& file) {
     try {
-        return files::readWhole(file, kMaximumFileSize);
+        return files::openRegular(file);
     } catch (const FileError& error) {
-        if (error.reason == std::errc::no_such_file_or_directory) return std::nullopt;
+        if (error.reason == std::errc::no_such_file_or_directory) return {};
         throw;
     }
 }
 
 std::optional<JSONValue> read(const fs::path& file) {
-    const auto bytes = readBytes(file);
-    if (!bytes) return std::nullopt;
+    const auto opened = openIfThere(file);
+    if (!opened) return std::nullopt;
     try {
-        return StableJSON::decode(*bytes);
+        return StableJSON::decode(files::readWhole(opened, file, kMaximumFileSize));
     } catch (const DecodingError& error) {
         throw StateFileError(file, error.errorDescription());
     }
@@ -53,10 +54,20 @@ auto decoded(const fs::path& file, Decode&& decode) -> std::optional<decltype(de
 }
 
 void write(const fs::path& file, const JSONValue& value) {
-    std::error_code error;
-    fs::create_directories(file.parent_path(), error);
-    if (error) throw FileError(FileError::Operation::create, file.parent_path(), error);
+    files::createFolders(file.parent_path());
     files::writeAtomically(file, StableJSON::encode(value));
+}
+
+// An object of these members, which are in ascending byte order of their names. They are encoded one by one: a document
+// of all assets of a large listing takes ten times the memory of the listing itself.
+template <class Members, class Encode>
+void writeMembers(const fs::path& file, const Members& members, Encode&& encode) {
+    files::createFolders(file.parent_path());
+    files::writeAtomically(file, [&](const files::TakePiece& take) {
+        StableJSON::ObjectWriter object(take);
+        for (const auto& [name, value] : members) object.add(name, encode(value));
+        object.finish();
+    });
 }
 
 FlatValues decodeBase(const JSONValue& value) {
@@ -120,9 +131,9 @@ std::optional<FlatValues> ProjectStateStore::base(const UUID& id) const {
 }
 
 void ProjectStateStore::saveBase(const FlatValues& values, const UUID& id) const {
-    JSONObject members;
-    for (const auto& [key, value] : values) members.insert_or_assign(key.id(), value);
-    write(fileOf(root, id, kBase), members);
+    std::map<std::string_view, std::string_view> byID;
+    for (const auto& [key, value] : values) byID.insert_or_assign(key.id(), value);
+    writeMembers(fileOf(root, id, kBase), byID, [](std::string_view value) { return JSONValue(value); });
 }
 
 std::optional<RemoteIDs> ProjectStateStore::remoteIDs(const UUID& id) const {
@@ -138,9 +149,8 @@ KnownAssets ProjectStateStore::remoteAssets(const UUID& id) const {
 }
 
 void ProjectStateStore::saveRemoteAssets(const KnownAssets& assets, const UUID& id) const {
-    JSONObject members;
-    for (const auto& [assetID, asset] : assets) members.emplace(assetID, asset.toJSON());
-    write(fileOf(root, id, kRemoteAssets), members);
+    writeMembers(fileOf(root, id, kRemoteAssets), assets,
+                 [](const ASCLibraryAsset& asset) { return asset.toJSON(); });
 }
 
 std::optional<AssetLibraryRefData> ProjectStateStore::refData() const {
@@ -151,22 +161,21 @@ void ProjectStateStore::saveRefData(const AssetLibraryRefData& data) const {
     write(root / kRefData, data.toJSON());
 }
 
-ProjectStateStore::Copy ProjectStateStore::copy(const UUID& id) const {
-    Copy copy;
+ProjectStateStore::Earlier ProjectStateStore::keep(const UUID& id) const {
+    Earlier earlier;
     for (const char* name : {kBase, kRemoteIDs, kRemoteAssets}) {
-        copy.emplace(name, readBytes(fileOf(root, id, name)));
+        earlier.emplace(name, openIfThere(fileOf(root, id, name)));
     }
-    return copy;
+    return earlier;
 }
 
-void ProjectStateStore::restore(const Copy& earlier, const UUID& id) const {
-    for (const auto& [name, bytes] : earlier) {
+void ProjectStateStore::restore(const Earlier& earlier, const UUID& id) const {
+    for (const auto& [name, kept] : earlier) {
         const auto file = fileOf(root, id, name.c_str());
-        if (readBytes(file) == bytes) continue;
-        if (bytes) {
-            files::writeAtomically(file, *bytes);
-        } else {
+        if (!kept) {
             removeFile(file);
+        } else if (!files::areSameFile(kept, openIfThere(file))) {
+            files::copyAtomically(kept, file, file);
         }
     }
     std::error_code isInUse;

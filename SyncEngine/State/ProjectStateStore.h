@@ -22,6 +22,7 @@
 
 #include "ASCKit/Resources/AssetLibraryRefData.h"
 #include "KestrinCore/Error.h"
+#include "KestrinCore/Files.h"
 #include "KestrinCore/UUID.h"
 #include "SyncEngine/Content/ContentGraph.h"
 #include "SyncEngine/Remote/RemoteListing.h"
@@ -61,13 +62,14 @@ class ProjectStateStore {
     std::optional<AssetLibraryRefData> refData() const;
     void saveRefData(const AssetLibraryRefData& data) const;
 
-    // The files of a project byte for byte, nullopt for one that isn't there. A caller that saves something else
-    // after the state takes a copy first, and puts it back when that fails: a snapshot that is newer than the
-    // package would make every remote change since look like an edit of the package.
-    using Copy = std::map<std::string, std::optional<std::string>>;
-    Copy copy(const UUID& id) const;
-    // Puts back what has changed since. Throws FileError where that can't be written.
-    void restore(const Copy& earlier, const UUID& id) const;
+    // The files of a project by their names, not open for one that isn't there. A caller that saves something else
+    // after the state keeps them first, and puts them back when that fails: a snapshot that is newer than the
+    // package would make every remote change since look like an edit of the package. As files are replaced and never
+    // written into, one that is open stays what it was, and costs no memory however large it is.
+    using Earlier = std::map<std::string, files::Descriptor>;
+    Earlier keep(const UUID& id) const;
+    // Puts back what was replaced since. Throws FileError where that can't be written.
+    void restore(const Earlier& earlier, const UUID& id) const;
 
     std::filesystem::path root;
 };

@@ -95,6 +95,31 @@ TEST(FilesCopy, TakesATargetWhoseNameIsAsLongAsNamesCanBe) {
     EXPECT_EQ(folder.read(longest), "others");
 }
 
+TEST(FilesCopy, OfAnOpenFileIsAllOfItEvenOfOneThatHasBeenReplaced) {
+    const TemporaryFolder folder;
+    folder.write("file", "earlier");
+    const auto opened = files::openRegular(folder / "file");
+    EXPECT_EQ(files::readWhole(opened, "file", 100), "earlier");
+    files::writeAtomically(folder / "file", "later");
+
+    files::copyAtomically(opened, "file", folder / "file");
+
+    EXPECT_EQ(folder.files(), (std::map<std::string, std::string>{{"file", "earlier"}}));
+}
+
+TEST(FilesDescriptor, AreOfTheSameFileByWhatIsOnTheDiskAndNotByName) {
+    const TemporaryFolder folder;
+    folder.write("file", "bytes");
+    fs::create_hard_link(folder / "file", folder / "other-name");
+    const auto opened = files::openRegular(folder / "file");
+    EXPECT_TRUE(files::areSameFile(opened, opened));
+    EXPECT_TRUE(files::areSameFile(opened, files::openRegular(folder / "other-name")));
+    files::writeAtomically(folder / "file", "bytes");
+    EXPECT_FALSE(files::areSameFile(opened, files::openRegular(folder / "file")));
+    EXPECT_FALSE(files::areSameFile(opened, files::Descriptor()));
+    EXPECT_FALSE(files::areSameFile(files::Descriptor(), files::Descriptor()));
+}
+
 TEST(FilesCopy, NamesTheSourceThatCannotBeRead) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "directory");

@@ -68,6 +68,29 @@ TEST(FilesWrite, TakesAnyBytes) {
     EXPECT_EQ(folder.read("file"), "");
 }
 
+TEST(FilesWrite, TakesContentPieceByPieceAndPlacesItOnceItIsWhole) {
+    const TemporaryFolder folder;
+    folder.write("file", "old");
+    files::writeAtomically(folder / "file", [&](const files::TakePiece& take) {
+        take("ne");
+        EXPECT_EQ(folder.read("file"), "old");
+        take("");
+        take("w");
+    });
+    EXPECT_EQ(folder.files(), (Content{{"file", "new"}}));
+}
+
+TEST(FilesWrite, WhoseContentCannotBeMadeLeavesTheOldFileAndNoTemporaryOne) {
+    const TemporaryFolder folder;
+    folder.write("file", "old");
+    const auto makeHalf = [](const files::TakePiece& take) {
+        take("half");
+        throw std::runtime_error("no more");
+    };
+    EXPECT_THROW(files::writeAtomically(folder / "file", makeHalf), std::runtime_error);
+    EXPECT_EQ(folder.files(), (Content{{"file", "old"}}));
+}
+
 TEST(FilesWrite, TakesAPathRelativeToTheCurrentFolder) {
     const TemporaryFolder folder;
     const auto before = fs::current_path();

@@ -220,6 +220,43 @@ TEST(StableJSONEncoding, RefusesWhatIsNestedTooDeepToBeRead) {
     EXPECT_THROW(encode(JSONObject{{"a", nestedArrays(kMaximumDepth)}}), StableJSON::EncodingError);
 }
 
+std::string writtenMemberByMember(const JSONObject& members) {
+    std::string bytes;
+    StableJSON::ObjectWriter object([&](std::string_view piece) { bytes += piece; });
+    for (const auto& [name, value] : members) object.add(name, value);
+    object.finish();
+    return bytes;
+}
+
+TEST(StableJSONObjectWriter, GivesTheBytesThatTheWholeObjectIsEncodedAs) {
+    const JSONObject objects[] = {
+        {},
+        {{"a", 1}},
+        {{"a", JSONObject{}}, {"b", JSONArray{}}, {"é", JSONObject{{"c", JSONArray{1, "\n"}}}}},
+        {{"", nullptr}, {"\"", "\xFF"}},
+    };
+    for (const auto& object : objects) EXPECT_EQ(writtenMemberByMember(object), encode(object));
+}
+
+TEST(StableJSONObjectWriter, HandsOverPiecesLongBeforeTheEnd) {
+    std::size_t pieces = 0, largest = 0;
+    StableJSON::ObjectWriter object([&](std::string_view piece) {
+        ++pieces;
+        largest = std::max(largest, piece.size());
+    });
+    for (int i = 100'000; i < 200'000; ++i) object.add(std::to_string(i), std::string(100, 'x'));
+    object.finish();
+    EXPECT_GT(pieces, 100u);
+    EXPECT_LT(largest, 100'000u);
+}
+
+TEST(StableJSONObjectWriter, RefusesAMemberThatCannotBeWritten) {
+    StableJSON::ObjectWriter object([](std::string_view) {});
+    object.add("a", nestedArrays(kMaximumDepth - 1));
+    EXPECT_THROW(object.add("b", nestedArrays(kMaximumDepth)), StableJSON::EncodingError);
+    EXPECT_THROW(object.add("c", JSONValue(std::nan(""))), StableJSON::EncodingError);
+}
+
 TEST(StableJSONEncoding, TakesARecordByItsJSONForm) {
     struct Point {
         int x = 1;

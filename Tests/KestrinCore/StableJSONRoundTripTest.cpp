@@ -17,6 +17,15 @@ RC_GTEST_PROP(StableJSONRoundTrip, WrittenAndReadIsTheSameValue, ()) {
     RC_ASSERT(decode(StableJSON::encodeCompact(value)) == value);
 }
 
+RC_GTEST_PROP(StableJSONRoundTrip, AnObjectWrittenMemberByMemberIsTheSameBytes, ()) {
+    const auto members = *arbitrary::unknownFields();
+    std::string bytes;
+    StableJSON::ObjectWriter object([&](std::string_view piece) { bytes += piece; });
+    for (const auto& [name, value] : members) object.add(name, value);
+    object.finish();
+    RC_ASSERT(bytes == StableJSON::encode(JSONValue(members)));
+}
+
 RC_GTEST_PROP(StableJSONRoundTrip, ReadAndWrittenIsTheSameBytes, ()) {
     const auto bytes = StableJSON::encode(*arbitrary::jsonValue());
     RC_ASSERT(StableJSON::encode(decode(bytes)) == bytes);

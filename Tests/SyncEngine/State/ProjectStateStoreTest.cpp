@@ -4,6 +4,7 @@
 
 #include "KestrinCore/FileError.h"
 #include "KestrinCore/StableJSON.h"
+#include "Tests/Support/PeakMemory.h"
 #include "Tests/Support/ProcessState.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/Unprivileged.h"
@@ -128,6 +129,31 @@ TEST_F(ProjectStateStoreTest, AssetsReadBackAsTheyWereWritten) {
         "    \"referenceName\" : \"\"\n  }\n}\n");
 }
 
+TEST_F(ProjectStateStoreTest, SavingManyAssetsTakesNoMemoryForAllOfThemAtOnce) {
+    KnownAssets assets;
+    for (int number = 0; number < 50'000; ++number) {
+        auto& asset = assets[std::to_string(number)];
+        asset.id = std::to_string(number);
+        asset.fileName = "Screen " + asset.id + ".png";
+        asset.category = "APP_SCREENSHOTS_AND_PREVIEWS";
+        asset.thumbnail = ImageTemplate{"https://example.com/" + asset.id + "/{w}x{h}.{f}", 1290, 2796};
+    }
+    const auto peak = peakMemoryOf([&] { store.saveRemoteAssets(assets, kProject); });
+    EXPECT_LT(peak, memoryFactor * (4u << 20));
+    EXPECT_GT(std::filesystem::file_size(folder / file("remote-assets.json")), std::uintmax_t{10} << 20);
+    EXPECT_EQ(store.remoteAssets(kProject), assets);
+}
+
+TEST_F(ProjectStateStoreTest, TheSnapshotIsInTheOrderOfTheBytesOfItsKeys) {
+    // A decomposed é is "e" and more in bytes, and behind "z" as text.
+    const ContentKey decomposed = ContentKey::Page{{"e\u0301"}, PageAttribute::name};
+    const ContentKey z = ContentKey::Page{{"z"}, PageAttribute::name};
+    ASSERT_LT(z, decomposed);
+    store.saveBase({{z, "Z"}, {decomposed, "E"}}, kProject);
+    EXPECT_EQ(folder.read(file("base.json")),
+              "{\n  \"pages/e\u0301/name\" : \"E\",\n  \"pages/z/name\" : \"Z\"\n}\n");
+}
+
 TEST_F(ProjectStateStoreTest, ADamagedFileIsNamedAndLeftAsItIs) {
     for (const auto* damaged : {"", "{", "7", R"({"app/de-DE/name":7})"}) {
         SCOPED_TRACE(damaged);
@@ -186,32 +212,37 @@ TEST_F(ProjectStateStoreTest, ASaveLeavesNothingBesideItsFile) {
                                                file("remote-ids.json"), "refdata.json"}));
 }
 
-TEST_F(ProjectStateStoreTest, ACopyPutsBackEveryFileOfTheProjectByteForByte) {
+TEST_F(ProjectStateStoreTest, WhatWasKeptIsPutBackByteForByte) {
     folder.write(file("base.json"), "{ }");
     folder.write(file("remote-ids.json"), "damaged");
     const auto before = folder.files();
 
-    const auto copy = store.copy(kProject);
+    const auto earlier = store.keep(kProject);
     store.saveBase({{kName, "Name"}}, kProject);
     store.saveRemoteIDs(everyID(), kProject);
     store.saveRemoteAssets({}, kProject);
-    store.restore(copy, kProject);
+    store.restore(earlier, kProject);
 
     EXPECT_EQ(folder.files(), before);
 }
 
-TEST_F(ProjectStateStoreTest, ACopyOfNothingLeavesNothing) {
-    const auto copy = store.copy(kProject);
+TEST_F(ProjectStateStoreTest, PuttingBackNothingLeavesNothing) {
+    const auto earlier = store.keep(kProject);
     store.saveBase({{kName, "Name"}}, kProject);
-    store.restore(copy, kProject);
+    store.restore(earlier, kProject);
     EXPECT_FALSE(folder.has(file("").parent_path()));
+}
+
+TEST_F(ProjectStateStoreTest, WhatIsKeptIsNotReadUntilItIsPutBack) {
+    folder.write(file("remote-assets.json"), std::string(std::size_t{32} << 20, ' '));
+    EXPECT_LT(peakMemoryOf([&] { store.keep(kProject); }), memoryFactor * (1u << 20));
 }
 
 TEST_F(ProjectStateStoreTest, PuttingBackTouchesNoFileThatIsAsItWas) {
     store.saveBase({{kName, "Name"}}, kProject);
-    const auto copy = store.copy(kProject);
+    const auto earlier = store.keep(kProject);
     const auto written = std::filesystem::last_write_time(folder / file("base.json"));
-    store.restore(copy, kProject);
+    store.restore(earlier, kProject);
     EXPECT_EQ(std::filesystem::last_write_time(folder / file("base.json")), written);
 }
 
