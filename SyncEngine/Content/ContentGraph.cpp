@@ -35,34 +35,33 @@ auto& member(VersionAttribute attribute, Content& version) {
     __builtin_unreachable();
 }
 
-void flattenApp(const AppListing& app, FlatValues& values) {
+void flattenApp(const AppListing& app, Flattening& values) {
     for (const auto attribute : allCases<AppInfoAttribute>) {
-        add(values, ContentKey::AppInfo{attribute}, member(attribute, app.info).value_or(""));
+        values.add(ContentKey::AppInfo{attribute}, member(attribute, app.info).value_or(""));
     }
     for (const auto& [locale, fields] : app.locales) {
         for (const auto& [field, text] : fields.values()) {
-            add(values, ContentKey::AppInfoLocale{locale, field}, text);
+            values.add(ContentKey::AppInfoLocale{locale, field}, text);
         }
     }
 }
 
-void flattenPlatform(const StorePlatform& platform, const PlatformListing& listing, FlatValues& values) {
+void flattenPlatform(const StorePlatform& platform, const PlatformListing& listing, Flattening& values) {
     for (const auto attribute : allCases<VersionAttribute>) {
-        add(values, ContentKey::Version{platform, attribute},
-            member(attribute, listing.version).value_or(""));
+        values.add(ContentKey::Version{platform, attribute}, member(attribute, listing.version).value_or(""));
     }
     for (const auto& [locale, fields] : listing.locales) {
         for (const auto& [field, text] : fields.values()) {
-            add(values, ContentKey::VersionLocale{platform, locale, field}, text);
+            values.add(ContentKey::VersionLocale{platform, locale, field}, text);
         }
     }
     for (const auto attribute : allCases<ReviewAttribute>) {
-        add(values, ContentKey::Review{platform, attribute},
-            reviewValue(attribute, listing.review).value_or(""));
+        values.add(ContentKey::Review{platform, attribute},
+                   reviewValue(attribute, listing.review).value_or(""));
     }
     for (const auto& [locale, slots] : listing.media) {
         for (const auto& [slot, items] : slots) {
-            add(values, ContentKey::Placements{platform, locale, slot}, mediaValue(items));
+            values.add(ContentKey::Placements{platform, locale, slot}, mediaValue(items));
         }
     }
 }
@@ -144,11 +143,11 @@ void write(std::string value, const ContentKey::Review& key, Project& project) {
 }  // namespace
 
 FlatValues flatten(const Project& project) {
-    FlatValues values;
+    Flattening values;
     flattenApp(project.app, values);
     for (const auto& [platform, listing] : project.platforms) flattenPlatform(platform, listing, values);
     flattenProductPages(project, values);
-    return values;
+    return std::move(values).take();
 }
 
 std::string value(const ContentKey& key, const Project& project) {

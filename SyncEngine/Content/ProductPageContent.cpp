@@ -19,28 +19,28 @@ Treatment& madeTreatment(Project& project, const Slug& experiment, const Slug& t
     return project.experiments[experiment].treatments[treatment];
 }
 
-void flattenPage(const Slug& slug, const CustomProductPage& page, FlatValues& values) {
-    add(values, ContentKey::Page{slug, PageAttribute::name}, page.name);
-    add(values, ContentKey::Page{slug, PageAttribute::visible}, flagValue(page.visible));
-    add(values, ContentKey::Page{slug, PageAttribute::deepLink}, page.deepLink.value_or(""));
+void flattenPage(const Slug& slug, const CustomProductPage& page, Flattening& values) {
+    values.add(ContentKey::Page{slug, PageAttribute::name}, page.name);
+    values.add(ContentKey::Page{slug, PageAttribute::visible}, flagValue(page.visible));
+    values.add(ContentKey::Page{slug, PageAttribute::deepLink}, page.deepLink.value_or(""));
     for (const auto& [locale, text] : page.promotionalText) {
-        add(values, ContentKey::PagePromotionalText{slug, locale}, text);
+        values.add(ContentKey::PagePromotionalText{slug, locale}, text);
     }
     for (const auto& [locale, slots] : page.media) {
         for (const auto& [slot, items] : slots) {
-            add(values, ContentKey::PagePlacements{slug, locale, slot}, mediaValue(items));
+            values.add(ContentKey::PagePlacements{slug, locale, slot}, mediaValue(items));
         }
     }
 }
 
 void flattenTreatment(const Slug& experiment, const Slug& slug, const Treatment& treatment,
-                      FlatValues& values) {
-    add(values, ContentKey::Treatment{experiment, slug, TreatmentAttribute::name}, treatment.name);
-    add(values, ContentKey::Treatment{experiment, slug, TreatmentAttribute::appIconName},
-        treatment.appIconName.value_or(""));
+                      Flattening& values) {
+    values.add(ContentKey::Treatment{experiment, slug, TreatmentAttribute::name}, treatment.name);
+    values.add(ContentKey::Treatment{experiment, slug, TreatmentAttribute::appIconName},
+               treatment.appIconName.value_or(""));
     for (const auto& [locale, slots] : treatment.media) {
         for (const auto& [slot, items] : slots) {
-            add(values, ContentKey::TreatmentPlacements{experiment, slug, locale, slot}, mediaValue(items));
+            values.add(ContentKey::TreatmentPlacements{experiment, slug, locale, slot}, mediaValue(items));
         }
     }
 }
@@ -49,11 +49,11 @@ std::string proportionValue(std::optional<std::int64_t> proportion) {
     return proportion ? std::to_string(*proportion) : std::string();
 }
 
-void flattenExperiment(const Slug& slug, const Experiment& experiment, FlatValues& values) {
-    add(values, ContentKey::Experiment{slug, ExperimentAttribute::name}, experiment.name);
-    add(values, ContentKey::Experiment{slug, ExperimentAttribute::platform}, experiment.platform.rawValue);
-    add(values, ContentKey::Experiment{slug, ExperimentAttribute::trafficProportion},
-        proportionValue(experiment.trafficProportion));
+void flattenExperiment(const Slug& slug, const Experiment& experiment, Flattening& values) {
+    values.add(ContentKey::Experiment{slug, ExperimentAttribute::name}, experiment.name);
+    values.add(ContentKey::Experiment{slug, ExperimentAttribute::platform}, experiment.platform.rawValue);
+    values.add(ContentKey::Experiment{slug, ExperimentAttribute::trafficProportion},
+               proportionValue(experiment.trafficProportion));
     for (const auto& [treatmentSlug, treatment] : experiment.treatments) {
         flattenTreatment(slug, treatmentSlug, treatment, values);
     }
@@ -274,7 +274,7 @@ void copyItems(const Placements& key, const Project& source, Project& destinatio
 
 }  // namespace
 
-void flattenProductPages(const Project& project, FlatValues& values) {
+void flattenProductPages(const Project& project, Flattening& values) {
     for (const auto& [slug, page] : project.pages) flattenPage(slug, page, values);
     for (const auto& [slug, experiment] : project.experiments) flattenExperiment(slug, experiment, values);
 }
@@ -333,10 +333,6 @@ std::vector<StoreLocale> adding(const StoreLocale& locale, std::vector<StoreLoca
 std::string flagValue(std::optional<bool> flag) {
     if (!flag) return {};
     return *flag ? "true" : "false";
-}
-
-void add(FlatValues& values, ContentKey key, std::string value) {
-    if (!value.empty()) values.emplace(std::move(key), std::move(value));
 }
 
 }  // namespace kestrin::ContentGraph

@@ -7,12 +7,12 @@
 #include <string_view>
 #include <vector>
 
-#include "SyncEngine/Content/ContentGraph.h"
+#include "SyncEngine/Content/Flattening.h"
 
 namespace kestrin::ContentGraph {
 
 // Adds the values of all pages and tests.
-void flattenProductPages(const Project& project, FlatValues& values);
+void flattenProductPages(const Project& project, Flattening& values);
 
 // Nothing for a key of the default product page; for any other its value, "" when there is none.
 std::optional<std::string> productPageValue(const ContentKey& key, const Project& project);
@@ -33,8 +33,5 @@ std::vector<StoreLocale> adding(const StoreLocale& locale, std::vector<StoreLoca
 
 // "true" or "false"; "" when absent.
 std::string flagValue(std::optional<bool> flag);
-
-// Adds one value, unless it is empty.
-void add(FlatValues& values, ContentKey key, std::string value);
 
 }  // namespace kestrin::ContentGraph

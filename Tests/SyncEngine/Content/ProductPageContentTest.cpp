@@ -39,8 +39,9 @@ TEST(ProductPageContent, SettlesKeysOfPagesAndTestsAlsoWhenThereIsNothing) {
 }
 
 TEST(ProductPageContent, FlattensPagesAndTestsOnly) {
-    FlatValues values;
-    ContentGraph::flattenProductPages(sample::project(), values);
+    ContentGraph::Flattening flattening;
+    ContentGraph::flattenProductPages(sample::project(), flattening);
+    const auto values = std::move(flattening).take();
 
     ASSERT_EQ(values.size(), 11u);
     for (const auto& [key, text] : values) EXPECT_FALSE(key.isDefaultProductPage()) << key;
