@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "KestrinCore/Files.h"
+#include "KestrinCore/Handle.h"
 
 namespace kestrin::MediaHash {
 namespace {
@@ -18,7 +19,7 @@ constexpr std::size_t kPieceSize = 1'048'576;
 
 class Digest {
  public:
-    Digest() : context_(EVP_MD_CTX_new(), EVP_MD_CTX_free) {
+    Digest() : context_(EVP_MD_CTX_new()) {
         check(context_ && EVP_DigestInit_ex(context_.get(), EVP_md5(), nullptr) == 1);
     }
 
@@ -44,7 +45,7 @@ class Digest {
         if (!succeeded) throw std::runtime_error("MD5 isn't available in this OpenSSL");
     }
 
-    std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context_;
+    Handle<EVP_MD_CTX, EVP_MD_CTX_free> context_;
 };
 
 void requireRegularFile(const files::Descriptor& file, const std::filesystem::path& name) {

@@ -8,8 +8,9 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <memory>
 #include <system_error>
+
+#include "KestrinCore/Handle.h"
 
 namespace kestrin::DiskEntries {
 namespace {
@@ -50,10 +51,6 @@ Kind kindOf(int folder, const dirent& entry) {
 bool isDotName(const char* name) {
     return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
 }
-
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
 
 // What link(2) answers where it can't make a link that would otherwise be fine: another file system, one without
 // hard links, a file with as many links as there can be, a file of somebody else's that the kernel protects.
@@ -136,7 +133,7 @@ std::vector<Entry> list(int folder) {
     // The stream closes its descriptor; the caller's stays open.
     const int own = fcntl(folder, F_DUPFD_CLOEXEC, 0);
     if (own < 0) fail();
-    const std::unique_ptr<DIR, CloseFolder> stream(fdopendir(own));
+    const Handle<DIR, closedir> stream(fdopendir(own));
     if (!stream) {
         close(own);
         fail();

@@ -12,6 +12,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "KestrinCore/Handle.h"
 #include "Sandbox/JSON.h"
 #include "Sandbox/Query.h"
 #include "Sandbox/Refusal.h"
@@ -25,17 +26,10 @@ constexpr std::int64_t kClockSkew = 60;
 constexpr std::size_t kCoordinateSize = 32;
 constexpr std::size_t kRememberedTokens = 64;
 
-template <auto Free>
-struct Freed {
-    template <class T>
-    void operator()(T* pointer) const {
-        Free(pointer);
-    }
-};
-using Key = std::unique_ptr<EVP_PKEY, Freed<EVP_PKEY_free>>;
-using DigestContext = std::unique_ptr<EVP_MD_CTX, Freed<EVP_MD_CTX_free>>;
-using Memory = std::unique_ptr<BIO, Freed<BIO_free>>;
-using Signature = std::unique_ptr<ECDSA_SIG, Freed<ECDSA_SIG_free>>;
+using Key = Handle<EVP_PKEY, EVP_PKEY_free>;
+using DigestContext = Handle<EVP_MD_CTX, EVP_MD_CTX_free>;
+using Memory = Handle<BIO, BIO_free>;
+using Signature = Handle<ECDSA_SIG, ECDSA_SIG_free>;
 
 [[noreturn]] void refuse(std::string why) {
     throw Refusal(

@@ -14,22 +14,16 @@
 #include <stdexcept>
 
 #include "ASCKit/ASCError.h"
+#include "KestrinCore/Handle.h"
 #include "KestrinCore/StableJSON.h"
 
 namespace kestrin {
 namespace {
 
-template <auto Free>
-struct Freer {
-    template <class T>
-    void operator()(T* object) const {
-        Free(object);
-    }
-};
-using Bytes = std::unique_ptr<BIO, Freer<BIO_free>>;
-using Digest = std::unique_ptr<EVP_MD_CTX, Freer<EVP_MD_CTX_free>>;
-using KeyCheck = std::unique_ptr<EVP_PKEY_CTX, Freer<EVP_PKEY_CTX_free>>;
-using Signature = std::unique_ptr<ECDSA_SIG, Freer<ECDSA_SIG_free>>;
+using Bytes = Handle<BIO, BIO_free>;
+using Digest = Handle<EVP_MD_CTX, EVP_MD_CTX_free>;
+using KeyCheck = Handle<EVP_PKEY_CTX, EVP_PKEY_CTX_free>;
+using Signature = Handle<ECDSA_SIG, ECDSA_SIG_free>;
 
 // Without this answer OpenSSL would ask at the terminal, where a run in continuous delivery would wait for ever.
 int noPassphrase(char*, int, int, void*) {

@@ -7,12 +7,13 @@
 #include <curl/curl.h>
 
 #include <chrono>
-#include <memory>
 #include <new>
 #include <set>
 #include <stdexcept>
 #include <stop_token>
 #include <string>
+
+#include "KestrinCore/Handle.h"
 
 namespace kestrin {
 
@@ -56,16 +57,10 @@ class CurlConnection {
  private:
     CURLcode result();
 
-    struct Cleanup {
-        void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
-    };
-    struct MultiCleanup {
-        void operator()(CURLM* handle) const { curl_multi_cleanup(handle); }
-    };
     OpenSockets sockets_;  // told of sockets that are closed until both handles are gone
     // The multi handle owns the connection and goes after the easy one.
-    std::unique_ptr<CURLM, MultiCleanup> multi_;
-    std::unique_ptr<CURL, Cleanup> easy_;
+    Handle<CURLM, curl_multi_cleanup> multi_;
+    Handle<CURL, curl_easy_cleanup> easy_;
 };
 
 }  // namespace kestrin

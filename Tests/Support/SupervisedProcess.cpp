@@ -96,39 +96,38 @@ std::string nameOf(int call) {
 }
 
 // A message of one byte and, with it, a descriptor.
-union ControlBuffer {
-    cmsghdr header;
-    std::array<char, CMSG_SPACE(sizeof(int))> bytes;
+struct DescriptorMessage {
+    DescriptorMessage() {
+        message.msg_iov = &data;
+        message.msg_iovlen = 1;
+        message.msg_control = control.data();
+        message.msg_controllen = control.size();
+    }
+    DescriptorMessage(const DescriptorMessage&) = delete;
+    DescriptorMessage& operator=(const DescriptorMessage&) = delete;
+
+    msghdr message{};
+
+ private:
+    char byte = 0;
+    iovec data{&byte, 1};
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control{};
 };
 
 void sendDescriptor(int socket, int descriptor) {
-    char byte = 0;
-    iovec data{&byte, 1};
-    ControlBuffer control{};
-    msghdr message{};
-    message.msg_iov = &data;
-    message.msg_iovlen = 1;
-    message.msg_control = &control;
-    message.msg_controllen = sizeof control;
-    auto* header = CMSG_FIRSTHDR(&message);
+    DescriptorMessage sent;
+    auto* header = CMSG_FIRSTHDR(&sent.message);
     header->cmsg_level = SOL_SOCKET;
     header->cmsg_type = SCM_RIGHTS;
     header->cmsg_len = CMSG_LEN(sizeof(int));
     std::memcpy(CMSG_DATA(header), &descriptor, sizeof descriptor);
-    if (sendmsg(socket, &message, 0) != 1) fail("sendmsg");
+    if (sendmsg(socket, &sent.message, 0) != 1) fail("sendmsg");
 }
 
 Descriptor receiveDescriptor(int socket) {
-    char byte = 0;
-    iovec data{&byte, 1};
-    ControlBuffer control{};
-    msghdr message{};
-    message.msg_iov = &data;
-    message.msg_iovlen = 1;
-    message.msg_control = &control;
-    message.msg_controllen = sizeof control;
-    if (recvmsg(socket, &message, MSG_CMSG_CLOEXEC) != 1) return {};
-    const auto* header = CMSG_FIRSTHDR(&message);
+    DescriptorMessage received;
+    if (recvmsg(socket, &received.message, MSG_CMSG_CLOEXEC) != 1) return {};
+    const auto* header = CMSG_FIRSTHDR(&received.message);
     if (!header) return {};
     int descriptor = -1;
     std::memcpy(&descriptor, CMSG_DATA(header), sizeof descriptor);
