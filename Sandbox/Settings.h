@@ -40,6 +40,9 @@ struct Settings {
     // Whether the content of media decides: a picture or film that fits no specification ends in FAILED.
     bool inspectsMedia = true;
 
+    // Whether a language that the app info gets appears in the versions in preparation too.
+    bool linksLocales = false;
+
     bool compresses = true;  // replies to clients that accept it
 };
 

@@ -98,6 +98,8 @@ const std::vector<Option>& allOptions() {
          }},
         {"--any-media", "", "take pictures and films of any size",
          [](Options& o, const std::string&) { o.settings.inspectsMedia = false; }},
+        {"--linked-locales", "", "a new language of the app info appears in the versions too",
+         [](Options& o, const std::string&) { o.settings.linksLocales = true; }},
         {"--private-key", "FILE", "the key pair of this .p8 file in place of a new one",
          [](Options& o, const std::string& v) { o.privateKey = v; }},
         {"--key-id", "ID", "the name of the key", [](Options& o, const std::string& v) { o.keyID = v; }},

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "Sandbox/Document.h"
 #include "Sandbox/Reads.h"
 #include "Sandbox/Resources/Endpoints.h"
@@ -68,12 +70,27 @@ HTTPReply updateAppInfo(State& state, const Call& call) {
     return singleReply(state, call, info);
 }
 
+// Whoever read the versions before doesn't know of it, and is refused when adding it.
+void addToVersions(State& state, const Resource& info, const std::string& locale) {
+    for (const auto* version : state.store.pointing("appStoreVersions", "app", info.relatedID("app"))) {
+        if (!isEditableState(version->text("appVersionState"))) continue;
+        const auto texts =
+            state.store.pointing("appStoreVersionLocalizations", "appStoreVersion", version->id());
+        const bool hasIt = std::any_of(texts.begin(), texts.end(),
+                                       [&](const Resource* each) { return each->text("locale") == locale; });
+        if (hasIt) continue;
+        state.store.add("appStoreVersionLocalizations", {{"locale", locale}},
+                        {{"appStoreVersion", version->ref}});
+    }
+}
+
 HTTPReply createLocalization(State& state, const Call& call) {
     static const auto form = localizationCreate();
     const auto write = readCreate(call.request.body, form, state.store);
     const auto& info = write.ref("appInfo");
     requireEditableAppInfo(state.store.at(info));
     requireFreeLocale(state, "appInfoLocalizations", "appInfo", info, write.text("locale"));
+    if (state.settings.linksLocales) addToVersions(state, state.store.at(info), write.text("locale"));
     return createdReply(state, call,
                         state.store.add("appInfoLocalizations", write.attributes, {{"appInfo", info}}));
 }

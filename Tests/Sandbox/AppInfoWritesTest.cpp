@@ -84,5 +84,59 @@ TEST_F(AppInfoWrites, HaveNoAttributes) {
               200);
 }
 
+class LinkedLocales : public SandboxFixture {
+ protected:
+    static Settings linked(bool isLinked) {
+        Settings settings;
+        settings.linksLocales = isLinked;
+        return settings;
+    }
+    explicit LinkedLocales(bool isLinked = true) : SandboxFixture(linked(isLinked)) {}
+
+    void addFrench() {
+        const auto info = idOf("appInfos", {{"state", "PREPARE_FOR_SUBMISSION"}});
+        EXPECT_EQ(post("/v1/appInfoLocalizations",
+                       createBody("appInfoLocalizations", {{"locale", "fr-FR"}, {"name", "Marées"}},
+                                  {{"appInfo", {"appInfos", info}}}))
+                      .status,
+                  201);
+    }
+    Received addFrenchToVersion() {
+        return post("/v1/appStoreVersionLocalizations",
+                    createBody("appStoreVersionLocalizations", {{"locale", "fr-FR"}},
+                               {{"appStoreVersion", {"appStoreVersions", version}}}));
+    }
+    std::size_t localizationCount(const std::string& id) {
+        return get("/v1/appStoreVersions/" + id + "/appStoreVersionLocalizations").ids().size();
+    }
+
+    const std::string version = idOf("appStoreVersions", {{"versionString", "2.4"}});
+};
+
+TEST_F(LinkedLocales, AddALanguageToTheVersionsInPreparation) {
+    const auto onSale = idOf("appStoreVersions", {{"versionString", "2.3"}, {"platform", "IOS"}});
+    addFrench();
+    EXPECT_EQ(localizationCount(version), 4u);
+    EXPECT_EQ(localizationCount(onSale), 3u);
+    EXPECT_EQ(addFrenchToVersion().code(), "ENTITY_ERROR.ATTRIBUTE.INVALID.DUPLICATE");
+}
+
+TEST_F(LinkedLocales, LeaveALanguageAloneThatAVersionHasAlready) {
+    EXPECT_EQ(addFrenchToVersion().status, 201);
+    addFrench();
+    EXPECT_EQ(localizationCount(version), 4u);
+}
+
+class UnlinkedLocales : public LinkedLocales {
+ protected:
+    UnlinkedLocales() : LinkedLocales(false) {}
+};
+
+TEST_F(UnlinkedLocales, AreTheDefault) {
+    EXPECT_FALSE(Settings().linksLocales);
+    addFrench();
+    EXPECT_EQ(localizationCount(version), 3u);
+}
+
 }  // namespace
 }  // namespace kestrin::sandbox

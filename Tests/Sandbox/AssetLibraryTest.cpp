@@ -12,12 +12,6 @@ using testing::ElementsAre;
 constexpr const char* kApp = "1234567890";
 constexpr const char* kScreenshots = "APP_SCREENSHOTS_AND_PREVIEWS";
 
-Settings smallParts() {
-    Settings settings;
-    settings.uploadPartSize = 1000;
-    return settings;
-}
-
 class AssetLibrary : public SandboxFixture {
  protected:
     AssetLibrary() : SandboxFixture(smallParts()) {}

@@ -12,12 +12,6 @@ const std::string kPackage = "PK\x03\x04" + std::string(2496, 'x');
 constexpr const char* kMD5 = "de61923751e9f6c286bde05ba98635c4";
 constexpr const char* kSHA256 = "8ec1f012f65cea1a725cec5b5dfa0ab7f3a560821f43e492d811904e1a6c07e2";
 
-Settings smallParts() {
-    Settings settings;
-    settings.uploadPartSize = 1000;
-    return settings;
-}
-
 class BuildUploads : public SandboxFixture {
  protected:
     BuildUploads() : SandboxFixture(smallParts()) {}

@@ -52,7 +52,7 @@ class Exchange : public SandboxFixture {
  public:
     using SandboxFixture::sandbox;
 
-    Exchange() : SandboxFixture(smallParts()) {
+    Exchange() : SandboxFixture(anyMedia()) {
         // The version is complete but for the answer about encryption, so that it can be submitted.
         sandbox.service().with([&](State& state) {
             auto& build = *state.store.first("builds", {{"version", "241"}});
@@ -108,9 +108,8 @@ class Exchange : public SandboxFixture {
                      options()};
 
  private:
-    static Settings smallParts() {
-        Settings settings;
-        settings.uploadPartSize = 1000;
+    static Settings anyMedia() {
+        auto settings = smallParts();
         settings.inspectsMedia = false;
         return settings;
     }

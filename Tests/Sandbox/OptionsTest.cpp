@@ -48,6 +48,7 @@ TEST(OptionsTest, ReadsEveryOption) {
                                        "--part-size",
                                        "100",
                                        "--any-media",
+                                       "--linked-locales",
                                        "--private-key",
                                        "k.p8",
                                        "--key-id",
@@ -69,6 +70,7 @@ TEST(OptionsTest, ReadsEveryOption) {
     EXPECT_EQ(options.settings.processingReads, 0);
     EXPECT_EQ(options.settings.uploadPartSize, 100u);
     EXPECT_FALSE(options.settings.inspectsMedia);
+    EXPECT_TRUE(options.settings.linksLocales);
     EXPECT_EQ(options.privateKey, "k.p8");
     EXPECT_EQ(options.keyID, "K");
     EXPECT_EQ(options.issuerID, "I");

@@ -88,6 +88,12 @@ const Json& Received::attributes(std::size_t index) const {
     return data.is_array() ? data.at(index).at("attributes") : data.at("attributes");
 }
 
+Settings smallParts() {
+    Settings settings;
+    settings.uploadPartSize = 1000;
+    return settings;
+}
+
 SandboxFixture::SandboxFixture(Settings settings, const Seed& seed)
     : sandbox(withFixedClock(std::move(settings)), seed),
       authorization("Bearer " + goodToken(sandbox.credential()).token()) {

@@ -42,6 +42,9 @@ struct Received {
     const Json& attributes(std::size_t index = 0) const;
 };
 
+// Uploads come in parts of 1000 bytes.
+Settings smallParts();
+
 class SandboxFixture : public testing::Test {
  protected:
     SandboxFixture() : SandboxFixture(Settings{}) {}
