@@ -71,6 +71,10 @@ TEST(SpecMatcher, DescribesASizeByItsBounds) {
     range.minHeight = 10;
     range.maxHeight = 20;
     EXPECT_EQ(SpecMatcher::describeSize(range), "100–0×10–20");
+    Spec upTo;
+    upTo.maxWidth = 200;
+    upTo.maxHeight = 0;
+    EXPECT_EQ(SpecMatcher::describeSize(upTo), "0–200×0–0");
 }
 
 TEST(SpecMatcher, SpecsComeInTheOrderOfTheReferenceDataAndUnknownIdsArePassedOver) {
@@ -101,6 +105,16 @@ TEST(SpecMatcher, BoundsAreInclusiveAndAbsentOnesDontBind) {
         EXPECT_TRUE(SpecMatcher::matching(image(width, 7), kSlot, data)) << width;
     for (const auto width : {99, 201})
         EXPECT_FALSE(SpecMatcher::matching(image(width, 7), kSlot, data)) << width;
+
+    Spec tall;
+    tall.id = "tall";
+    tall.minHeight = 100;
+    tall.maxHeight = 200;
+    const auto tallData = slotWith({tall});
+    for (const auto height : {100, 150, 200})
+        EXPECT_TRUE(SpecMatcher::matching(image(7, height), kSlot, tallData)) << height;
+    for (const auto height : {99, 201})
+        EXPECT_FALSE(SpecMatcher::matching(image(7, height), kSlot, tallData)) << height;
 }
 
 TEST(SpecMatcher, RatioIsToleratedByOnePerCentOfItself) {
@@ -112,6 +126,15 @@ TEST(SpecMatcher, RatioIsToleratedByOnePerCentOfItself) {
     EXPECT_TRUE(SpecMatcher::matching(image(1920, 1090), kSlot, data));
     EXPECT_FALSE(SpecMatcher::matching(image(1920, 1100), kSlot, data));
     EXPECT_FALSE(SpecMatcher::matching(image(1920, 0), kSlot, data)) << "a height of 0 counts as 1";
+}
+
+TEST(SpecMatcher, AWrongRatioIsAWrongSize) {
+    Spec wide;
+    wide.id = "wide";
+    wide.minWidth = wide.maxWidth = 1920;
+    wide.aspectRatio = "16:9";
+    EXPECT_EQ(problems(image(1920, 1100), {wide}),
+              std::vector{problem(MediaProblem::WrongSize{1920, 1100, {"1920×0"}})});
 }
 
 TEST(SpecMatcher, ARatioThatDoesntParsePasses) {

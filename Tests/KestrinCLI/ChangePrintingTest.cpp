@@ -85,6 +85,8 @@ TEST(ChangePrinting, AStepIsItsVerbAndItsKeys) {
     EXPECT_EQ(describe(PushStep{PushStep::CreateAppInfoLocalization{}, {kKey}}), "create app/de-DE/name");
     EXPECT_EQ(describe(PushStep{PushStep::EnsureAsset{"a.png", "0", {}}, {}}),
               "upload a.png (or reuse it if already uploaded)");
+    EXPECT_EQ(describe(PushStep{PushStep::CreateCustomPageLocalization{}, {}}), "create ")
+        << "a step that only serves others has no key";
     PushStep::PlaceMedia place;
     place.placement.desired = {MediaItem::file("a.png"), MediaItem::remote("1")};
     EXPECT_EQ(describe(PushStep{place, {kKey}}), "place 2 item(s) in app/de-DE/name");

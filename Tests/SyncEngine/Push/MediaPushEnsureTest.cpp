@@ -128,6 +128,21 @@ TEST(MediaPushEnsure, AnAssetThatStillAwaitsItsUploadIsWaitedForAndNotUploadedAg
     EXPECT_TRUE(world.server->isAtTheEnd());
 }
 
+TEST(MediaPushEnsure, AnAssetOfTheLibraryIsSpokenOfByItsFileNameThere) {
+    MediaPushWorld failed({assetIn("FAILED")});
+    failed.context.index = LibraryIndex({libraryAsset("OLD", "UPLOAD_COMPLETE")});
+    EXPECT_EQ(failureOf([&] { failed.context.ensureAsset("a.png", kMD5, kSlot, failed.client); }),
+              "App Store Connect couldn’t process in-library.png (FAILED). Check it matches the slot’s "
+              "requirements.");
+
+    MediaPushWorld slow(times(181, assetIn("UPLOAD_COMPLETE")));
+    slow.context.index = LibraryIndex({libraryAsset("OLD", "UPLOAD_COMPLETE")});
+    EXPECT_EQ(
+        failureOf([&] { slow.context.ensureAsset("a.png", kMD5, kSlot, slow.client); }),
+        "App Store Connect is still processing in-library.png. Push again later to finish placing it; it "
+        "won’t be uploaded twice.");
+}
+
 TEST(MediaPushEnsure, ADeadAssetOfTheLibraryIsUploadedAfresh) {
     for (const auto* state : {"FAILED", "REJECTED", "ARCHIVED"}) {
         MediaPushWorld world(wholeUpload());

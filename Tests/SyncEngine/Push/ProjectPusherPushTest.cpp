@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "ASCKit/Resources/Apps.h"
+#include "AssetPipeline/MediaHash.h"
 #include "KestrinCore/FileError.h"
 #include "SyncEngine/Pull/SyncError.h"
 #include "SyncEngine/Push/ProjectPusher.h"
 #include "SyncEngine/Push/PushError.h"
+#include "Tests/Support/PNGBytes.h"
 #include "Tests/Support/SupervisedProcess.h"
 #include "Tests/SyncEngine/Push/PusherWorld.h"
 #include "Tests/SyncEngine/Push/StepText.h"
@@ -208,6 +210,86 @@ TEST(ProjectPusherPush, ASelectedConflictIsSentAndAgreedOn) {
     world.store.saveBase({{kCopyright, "2025"}, {kWhatsNew, "Uralt"}}, world.id());
     EXPECT_TRUE(world.pushAll().isVerified());
     EXPECT_EQ(world.base(), (FlatValues{{kCopyright, "2026"}, {kWhatsNew, "Neu"}}));
+}
+
+// --- Media
+
+const ContentKey kPhoneSlot = keyOf("IOS/de-DE/media/phone/shot");
+const ContentKey kPadSlot = keyOf("IOS/de-DE/media/pad/shot");
+
+// A world in which one file is to stand in two empty slots, and whose service takes the upload.
+struct MediaWorld : World {
+    MediaWorld() {
+        folder.write("a.png", plainPNG(PNGImage::Colour::rgb, "abc").bytes());
+        for (const auto& key : {kPhoneSlot, kPadSlot}) set(key.id().c_str(), "file:a.png");
+        answer("/v1/appAssetLibraryRefData", R"({"data":{"type":"t","id":"1","attributes":{}}})");
+        answer("/v1/appAssetLibraryImages",
+               R"({"data":{"type":"appAssetLibraryImages","id":"A","attributes":{"uploadOperations":)"
+               R"([{"method":"PUT","url":"https://up.example.test/1","offset":0,"length":1}]}}})");
+        answer("/v1/appAssetLibraryImages/A",
+               R"({"data":{"type":"appAssetLibraryImages","id":"A","attributes":{"state":"COMPLETE"}}})");
+        answer("/v1/appAssetLibraryPlacements", R"({"data":{"type":"p","id":"P"}})");
+    }
+
+    // From the upload on the library shows the file; the slots of these groups show it too, and no others.
+    void arrivesIn(const std::vector<std::string>& groups) {
+        onEvent = [this, groups](const PushEvent& event) {
+            if (!std::holds_alternative<PushEvent::Finished>(event.kind)) return;
+            answer("/v1/appAssetLibraries/7/images",
+                   R"({"data":[{"type":"appAssetLibraryImages","id":"A","attributes":{"fileName":"a.png",)"
+                   R"("referenceName":"mq-a-)" +
+                       MediaHash::md5(folder / "a.png").substr(0, 12) + R"("}}]})");
+            std::string placements;
+            for (const auto& group : groups) {
+                placements += placements.empty() ? "" : ",";
+                placements += R"({"type":"p","id":"P-)" + group + R"(","attributes":{"placementGroup":")" +
+                              group +
+                              R"(","placementType":"shot"},"relationships":{"image":{"data":)"
+                              R"({"type":"appAssetLibraryImages","id":"A"}}}})";
+            }
+            answer(
+                "/v1/appStoreVersionLocalizations/L/placements",
+                R"({"data":[)" + placements + R"(],"included":[{"type":"appAssetLibraryImages","id":"A"}]})");
+        };
+    }
+
+    PushResult pushMedia() { return push(review(locator()), {kPhoneSlot, kPadSlot}, locator()); }
+};
+
+TEST(ProjectPusherPush, AFileThatWasUploadedAMomentAgoReadsBackAsItsAsset) {
+    MediaWorld world;
+    world.arrivesIn({"phone", "pad"});
+    const auto result = world.pushMedia();
+    EXPECT_EQ(StepText::of(result.completed),
+              "ensureAsset a.png " + MediaHash::md5(world.folder / "a.png") +
+                  " pad/shot\n"
+                  "placeMedia version IOS V/L de-DE pad/shot want file:a.png have <- "
+                  "IOS/de-DE/media/pad/shot\n"
+                  "placeMedia version IOS V/L de-DE phone/shot want file:a.png have <- "
+                  "IOS/de-DE/media/phone/shot\n");
+    EXPECT_TRUE(result.isVerified());
+    EXPECT_EQ(world.base().at(kPhoneSlot), "asset:A");
+    EXPECT_EQ(world.base().at(kPadSlot), "asset:A");
+    EXPECT_TRUE(world.store.remoteAssets(world.id()).contains("A"));
+    EXPECT_TRUE(
+        world.project.platforms.at(StorePlatform::iOS).media.at({"de-DE"}).begin()->second[0].asFile())
+        << "the project itself stays as it is";
+}
+
+TEST(ProjectPusherPush, OfTwoSlotsOnlyTheOneThatReadsBackEqualMovesItsBase) {
+    MediaWorld world;
+    world.arrivesIn({"phone"});
+    EXPECT_EQ(world.pushMedia().mismatches, (std::vector<Change>{{kPadSlot, "", "asset:A"}}));
+    EXPECT_EQ(world.base().at(kPhoneSlot), "asset:A");
+    EXPECT_FALSE(world.base().contains(kPadSlot));
+}
+
+TEST(ProjectPusherPush, WithoutALocatorAFileIsMissingAndTheLibraryIsntRead) {
+    MediaWorld world;
+    const auto review = world.review();
+    EXPECT_THROW(world.push(review, {kPhoneSlot}), PushFailure);
+    EXPECT_FALSE(world.wasAsked("/v1/appAssetLibraries/7/images"));
+    EXPECT_TRUE(world.server->writes.empty());
 }
 
 // --- Failures

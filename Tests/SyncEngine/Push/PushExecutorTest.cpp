@@ -320,6 +320,13 @@ TEST(PushExecutor, AParentThatIsNeitherKnownNorMadeIsNamed) {
 }
 
 TEST(PushExecutor, AnIdThatTheActionCarriesWins) {
+    PushRun page({made("P1"), localizations({{"PV1", ""}}), localizations({}), made("known")});
+    page.push({
+        {PushStep::CreateCustomPage{kSummer, "7", "Summer", std::nullopt, {}}, {}},
+        {PushStep::UpdateCustomPage{kSummer, "known", std::nullopt, true}, {}},
+    });
+    EXPECT_EQ(page.line(3), "PATCH /v1/appCustomProductPages/known");
+
     PushRun run({made("E1"), made("T1"), made("L1")});
     run.push({
         {PushStep::CreateExperiment{kIcons, "7", "Icons", StorePlatform::iOS, 50}, {}},
@@ -385,6 +392,17 @@ TEST(PushExecutor, AVersionLocalizationThatIsAlreadyThereIsUpdated) {
 TEST(PushExecutor, AConflictForAnyOtherReasonStaysTheFailure) {
     PushRun run({reply(409, R"({"errors":[{"detail":"Not now."}]})"), localizations({{"L-fr", "fr-FR"}})});
     EXPECT_EQ(run.failure({{kNewGerman, {}}}), "App Store Connect returned an error (409). Not now.");
+}
+
+TEST(PushExecutor, AFailureOnTheWayToTheLocalizationThatIsThereFailsTheStep) {
+    PushRun unread({reply(409, R"({"errors":[{"detail":"Exists."}]})"),
+                    reply(404, R"({"errors":[{"detail":"Gone."}]})")});
+    EXPECT_EQ(unread.failure({{kNewGerman, {}}}), "App Store Connect returned an error (404). Gone.");
+
+    PushRun refused({reply(409, R"({"errors":[{"detail":"Exists."}]})"), localizations({{"L-de", "de-DE"}}),
+                     reply(409, R"({"errors":[{"detail":"Locked."}]})")});
+    EXPECT_EQ(refused.failure({{kNewGerman, {}}}), "App Store Connect returned an error (409). Locked.");
+    EXPECT_EQ(refused.server->sent.size(), 3u) << "the update isn't looked into again";
 }
 
 TEST(PushExecutor, OnlyAConflictIsLookedInto) {
