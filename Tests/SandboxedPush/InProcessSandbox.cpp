@@ -51,7 +51,9 @@ HTTPResponse InProcessSandbox::send(const HTTPRequest& request, const std::stop_
     const auto answer = service_.answer(sent);
     if (struck == Kind::lostReply) loseConnection();
     if (struck == Kind::killedAfter) throw ProcessKilled();
-    return responseOf(answer);
+    auto response = responseOf(answer);
+    if (!tellsRateLimit) response.headers.erase("X-Rate-Limit");
+    return response;
 }
 
 }  // namespace kestrin

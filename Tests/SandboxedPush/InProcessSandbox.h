@@ -14,6 +14,7 @@ class InProcessSandbox final : public HTTPTransport {
     explicit InProcessSandbox(sandbox::Service& service) : service_(service) { service.setRoot(kRoot); }
 
     TroubleMaker trouble;
+    bool tellsRateLimit = true;  // whether replies have the header with the rest of the hour
 
     HTTPResponse send(const HTTPRequest& request, const std::stop_token& stop) override;
 

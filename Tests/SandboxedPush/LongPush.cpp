@@ -9,6 +9,9 @@ namespace kestrin::LongPush {
 namespace {
 
 constexpr std::uint32_t kWatchWidth = 312, kWatchHeight = 390;
+// Less than the file of the header, which goes out in several parts then.
+constexpr std::uint64_t kPartSize = 2000;
+
 constexpr std::uint32_t kHeaderWidth = 1280, kHeaderHeight = 720;
 
 std::string picture(std::uint32_t width, std::uint32_t height, std::string colour) {
@@ -109,7 +112,10 @@ StartingPoint start() {
     stage.edit(fillHeader);
     mustSucceed(stage.push());
     stage.edit(change);
-    return stage.here();
+    auto point = stage.here();
+    point.home.erase(".kestrin/state/refdata.json");  // so that they are read on the way
+    point.uploadPartSize = kPartSize;
+    return point;
 }
 
 }  // namespace kestrin::LongPush

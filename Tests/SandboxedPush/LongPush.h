@@ -10,7 +10,7 @@ namespace kestrin::LongPush {
 // categories, review details new and changed; a custom page changed and one that is new, each with texts, media, deep
 // link and visibility, and a page localization for media alone; a test changed and one that is new, with treatments,
 // icons and media; screenshots uploaded, replaced, reordered, removed and emptied, one file in several slots, one with
-// alpha, and a slot so full that it is emptied before it is filled.
+// alpha, one in several parts, and a slot so full that it is emptied before it is filled. Reference data aren't cached.
 StartingPoint start();
 
 // The media files that are uploaded on the way.

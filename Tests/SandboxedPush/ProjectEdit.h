@@ -10,6 +10,7 @@ namespace kestrin {
 
 // Slots of the everyday sandbox: "IOS/de-DE" + kPhoneScreenshots.
 inline const std::string kPhoneScreenshots = "/media/IPHONE_DYNAMIC_ISLAND_LARGE_PROFILE/APP_SCREENSHOT";
+inline const std::string kPhonePreviews = "/media/IPHONE_DYNAMIC_ISLAND_LARGE_PROFILE/APP_PREVIEW";
 inline const std::string kWatchScreenshots = "/media/WATCH_SERIES_3_PROFILE/APP_SCREENSHOT";
 inline const std::string kHeader = "/media/DEFAULT_PROFILE/PRODUCT_PAGE_HEADER_ASSET";
 

@@ -22,9 +22,10 @@ const sandbox::Credential& credential() {
     return made;
 }
 
-sandbox::Settings settings() {
+sandbox::Settings settingsWith(std::uint64_t uploadPartSize) {
     sandbox::Settings settings;
     settings.compresses = false;
+    settings.uploadPartSize = uploadPartSize;
     return settings;
 }
 
@@ -77,11 +78,11 @@ StartingPoint StartingPoint::edited(const std::function<void(Project&)>& change)
 }
 
 PushStage::PushStage() : package_(std::make_shared<TemporaryFolder>(TemporaryFolder::quickPlace())) {
-    enter(sandbox::seeds::everyday);
+    enter(sandbox::seeds::everyday, settingsWith(sandbox::Settings().uploadPartSize));
 }
 
 PushStage::PushStage(const StartingPoint& start) : package_(start.package) {
-    enter(start.remote);
+    enter(start.remote, settingsWith(start.uploadPartSize));
     for (const auto& [path, bytes] : start.home) home_->write(path, bytes);
 }
 
@@ -89,9 +90,9 @@ PushStage::~PushStage() {
     currentNetwork.reset();
 }
 
-void PushStage::enter(const sandbox::Seed& seed) {
+void PushStage::enter(const sandbox::Seed& seed, const sandbox::Settings& settings) {
     home_ = std::make_unique<TemporaryFolder>(TemporaryFolder::quickPlace());
-    sandbox_ = std::make_unique<sandbox::Sandbox>(settings(), seed, credential());
+    sandbox_ = std::make_unique<sandbox::Sandbox>(settings, seed, credential());
     network_ = std::make_shared<InProcessSandbox>(sandbox_->service());
     currentNetwork = network_;
     auto variables = sandbox_->environment(home_->path());

@@ -31,6 +31,8 @@ struct StartingPoint {
     std::shared_ptr<TemporaryFolder> package;
     std::map<std::string, std::string> home;  // the files below the home folder
     sandbox::Seed remote;
+    std::uint64_t uploadPartSize =
+        sandbox::Settings().uploadPartSize;  // how much App Store Connect takes at once
 
     // The same with a package of its own that was changed.
     StartingPoint edited(const std::function<void(Project&)>& change) const;
@@ -62,6 +64,7 @@ class PushStage {
 
     sandbox::Service& remote() { return sandbox_->service(); }
     TroubleMaker& trouble() { return network_->trouble; }
+    void hideRateLimit() { network_->tellsRateLimit = false; }
     ProjectStateStore store() const { return ProjectStateStore(*home_ / ".kestrin/state"); }
 
     // What App Store Connect holds, as a pull would read it.
@@ -79,7 +82,7 @@ class PushStage {
     std::map<std::string, std::vector<std::string>> uploads();
 
  private:
-    void enter(const sandbox::Seed& seed);
+    void enter(const sandbox::Seed& seed, const sandbox::Settings& settings);
 
     std::shared_ptr<TemporaryFolder> package_;
     std::unique_ptr<TemporaryFolder> home_;
