@@ -66,7 +66,8 @@ ASCClient::ASCClient(TokenProvider tokens, std::shared_ptr<HTTPTransport> transp
       now_(std::move(options.now)),
       sleep_(std::move(options.sleep)),
       stop_(std::move(options.stop)),
-      waitNotes_(std::move(options.waitNotes)) {}
+      waitNotes_(std::move(options.waitNotes)),
+      uploadNews_(std::move(options.uploadNews)) {}
 
 ASCClient::ASCClient(const APIKeyCredential& credential, Options options)
     : ASCClient(TokenProvider(JWTSigner(credential)), std::make_shared<CurlTransport>(), std::move(options)) {

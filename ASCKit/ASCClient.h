@@ -17,6 +17,8 @@
 // before anything is sent.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stop_token>
@@ -37,6 +39,17 @@
 
 namespace kestrin {
 
+// How far an upload has come, for whoever shows it.
+struct UploadNews {
+    std::string fileName = {};  // "" for bytes that aren't a file's
+    std::int64_t sent = 0;      // bytes; less than before when a part has to be sent again
+    std::int64_t total = 0;     // of all parts
+    bool isOver = false;        // the last news of the upload, whether it worked or not
+
+    bool operator==(const UploadNews&) const = default;
+};
+using UploadNewsHandler = std::function<void(const UploadNews&)>;
+
 class ASCClient {
  public:
     // Where the API lives. Which address that is depends on the executable: `kestrin` links ASCApiRoot and has the
@@ -50,6 +63,7 @@ class ASCClient {
         Sleep sleep = sleepOnSteadyClock;
         std::stop_token stop = {};
         WaitNotes waitNotes = {};  // of waits before another try; one wait lasts as long as its request
+        UploadNewsHandler uploadNews = {};  // absent: nobody wants to know
     };
 
     // Over the network. Throws ASCError::InvalidPrivateKey.
@@ -84,6 +98,9 @@ class ASCClient {
     // The last reading that came with a reply; absent before the first.
     const std::optional<RateLimitStatus>& rateLimit() const { return rateLimit_; }
 
+    // For whoever sends the parts of an upload.
+    const UploadNewsHandler& uploadNews() const { return uploadNews_; }
+
     const URL& root() const { return root_; }
 
  private:
@@ -109,6 +126,7 @@ class ASCClient {
     Sleep sleep_;
     std::stop_token stop_;
     WaitNotes waitNotes_;
+    UploadNewsHandler uploadNews_;
     std::optional<RateLimitStatus> rateLimit_;
 };
 

@@ -9,6 +9,7 @@
 
 #include "ASCKit/Credentials/EnvironmentCredentials.h"
 #include "KestrinCLI/Network.h"
+#include "KestrinCLI/TransferLine.h"
 #include "KestrinCLI/Waiting.h"
 
 namespace kestrin {
@@ -31,6 +32,7 @@ ASCClient makeClient(Console& console) {
     ASCClient::Options options;
     options.sleep = commandSleep();
     options.waitNotes = waitNotes(console);
+    options.uploadNews = uploadLines(console);
     TokenProvider tokens(JWTSigner(EnvironmentCredentials::load(processEnvironment())));
     return ASCClient(std::move(tokens), commandTransport(), std::move(options));
 }

@@ -6,8 +6,8 @@
 
 namespace kestrin {
 
-// A client for the API key that the process environment names. Its long waits are told on standard error. Throws
-// ASCError, before any request.
+// A client for the API key that the process environment names. Its long waits are told on standard error, and
+// on a terminal how far its uploads are. Throws ASCError, before any request.
 ASCClient makeClient(Console& console);
 
 // "App Store Connect is still processing shot.png (2 min so far)" as a note, each minute.

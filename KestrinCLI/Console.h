@@ -30,6 +30,11 @@ class Console {
     // Bytes to standard error. Never fails: nobody is left to be told.
     virtual void writeError(std::string_view bytes) noexcept = 0;
 
+    // One line that shows, where standard error is a terminal that can erase a line, how far long work has come; in the
+    // place of the one shown before. It makes way for whatever is written next, and "" takes it away. Anywhere else
+    // nothing happens, and by default.
+    virtual void showStatus(std::string_view /*line*/) noexcept {}
+
     // The next line of standard input without its line feed; the last line counts without one too. nullopt at the
     // end of input, and when standard input can't be read. Of an endless line only the beginning is kept.
     virtual std::optional<std::string> readLine() = 0;

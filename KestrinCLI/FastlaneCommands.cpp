@@ -2,9 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <atomic>
 #include <filesystem>
 
 #include "KestrinCLI/ProjectAccess.h"
+#include "KestrinCLI/TransferLine.h"
 #include "KestrinCore/MapLookup.h"
 #include "KestrinModel/FastlaneDeliverExporter.h"
 #include "KestrinModel/FastlaneDeliverImporter.h"
@@ -44,7 +46,19 @@ RemoteScreenshotDownloader::FilesByAsset downloadedScreenshots(const Project& pr
     const auto cached = ProjectStateStore::commandLine().remoteAssets(project.manifest.projectID);
     const auto assets = RemoteScreenshotDownloader::assets(project, platform, cached);
     console.note(fmt::format("Downloading {} screenshots from App Store Connect…", assets.size()));
-    return RemoteScreenshotDownloader().download(assets, folder.path(), kDownloadsAtOnce);
+    // Workers count what they fetched; only this thread shows it.
+    std::atomic<std::int64_t> bytes = 0;
+    const RemoteScreenshotDownloader downloader(
+        [&bytes, get = plainGet()](const URL& url, const std::stop_token& stop) {
+            auto picture = get(url, stop);
+            bytes += static_cast<std::int64_t>(picture.size());
+            return picture;
+        });
+    TransferLine line(console);
+    return downloader.download(assets, folder.path(), kDownloadsAtOnce,
+                               [&](std::size_t done, std::size_t total) {
+                                   line.show(fmt::format("downloading {} of {}", done, total), bytes);
+                               });
 }
 
 void printSummary(const FastlaneExportSummary& summary, Console& console) {

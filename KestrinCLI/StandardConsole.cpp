@@ -2,9 +2,15 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <exception>
+#include <utility>
+
+#include "KestrinCore/UnicodeText.h"
 
 namespace kestrin {
 namespace {
@@ -55,7 +61,40 @@ bool isSecondSetControl(std::string_view text, std::size_t i) {
     return second >= 0x80 && second < 0xA0;
 }
 
+bool canEraseALine() {
+    const char* terminal = std::getenv("TERM");
+    return terminal && *terminal != '\0' && std::string_view(terminal) != "dumb";
+}
+
+std::size_t columnsOf(int terminal) {
+    constexpr std::size_t kUsual = 80;
+    winsize size{};
+    return ioctl(terminal, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
+}
+
+std::string onOneLine(std::string_view text) {
+    std::string line = withVisibleControls(text);
+    for (char& c : line) {
+        if (c == '\n' || c == '\t') c = ' ';
+    }
+    return line;
+}
+
+constexpr std::string_view kEraseToEndOfLine = "\x1b[K";
+
 }  // namespace
+
+std::string statusLine(std::string_view text, std::size_t columns) {
+    const auto line = onOneLine(text);
+    std::string fitting;
+    std::size_t width = 0;
+    for (const auto& character : text::graphemes(line)) {
+        width += text::isASCII(character) ? 1 : 2;
+        if (width >= columns) break;
+        fitting += character;
+    }
+    return fitting;
+}
 
 std::string withVisibleControls(std::string_view text) {
     std::string visible;
@@ -74,14 +113,25 @@ std::string withVisibleControls(std::string_view text) {
 }
 
 StandardConsole::StandardConsole(int input, int output, int error)
-    : input_(input), output_{output, isatty(output) == 1}, error_{error, isatty(error) == 1} {}
+    : input_(input),
+      output_{output, isatty(output) == 1},
+      error_{error, isatty(error) == 1},
+      canShowStatus_(error_.isTerminal && canEraseALine()) {}
+
+StandardConsole::~StandardConsole() {
+    takeStatusAway();
+}
 
 void StandardConsole::write(std::string_view bytes) {
+    takeStatusAway();
+    noteShown(output_, bytes);
     check(output_.isTerminal ? writeAll(output_.descriptor, withVisibleControls(bytes))
                              : writeAll(output_.descriptor, bytes));
 }
 
 void StandardConsole::writeError(std::string_view bytes) noexcept {
+    takeStatusAway();
+    noteShown(error_, bytes);
     try {
         if (!error_.isTerminal) {
             writeAll(error_.descriptor, bytes);
@@ -90,6 +140,29 @@ void StandardConsole::writeError(std::string_view bytes) noexcept {
         }
     } catch (const std::bad_alloc&) {  // no memory left for pictures
     }
+}
+
+void StandardConsole::showStatus(std::string_view line) noexcept {
+    if (line.empty()) return takeStatusAway();
+    // Behind a question that nobody has typed an answer to, a status would take the question away.
+    if (!canShowStatus_ || !isAtLineStart_) return;
+    try {
+        std::string bytes("\r");
+        bytes.append(statusLine(line, columnsOf(error_.descriptor))).append(kEraseToEndOfLine);
+        writeAll(error_.descriptor, bytes);
+        showsStatus_ = true;
+    } catch (const std::exception&) {  // no memory for what nobody needs
+    }
+}
+
+void StandardConsole::takeStatusAway() noexcept {
+    if (!std::exchange(showsStatus_, false)) return;
+    writeAll(error_.descriptor, "\r");
+    writeAll(error_.descriptor, kEraseToEndOfLine);
+}
+
+void StandardConsole::noteShown(const OutputStream& stream, std::string_view bytes) noexcept {
+    if (stream.isTerminal && !bytes.empty()) isAtLineStart_ = bytes.back() == '\n';
 }
 
 int StandardConsole::nextByte() {
@@ -107,8 +180,10 @@ int StandardConsole::nextByte() {
 }
 
 std::optional<std::string> StandardConsole::readLine() {
+    takeStatusAway();
     int byte = nextByte();
     if (byte < 0) return std::nullopt;
+    if (isatty(input_) == 1) isAtLineStart_ = true;  // the line feed that was typed shows there, too
     std::string line;
     for (; byte >= 0 && byte != '\n'; byte = nextByte()) {
         if (line.size() < kLongestLine) line += static_cast<char>(byte);
@@ -117,6 +192,7 @@ std::optional<std::string> StandardConsole::readLine() {
 }
 
 void StandardConsole::finish() {
+    takeStatusAway();
     if (close(output_.descriptor) != 0) check(errno);
 }
 

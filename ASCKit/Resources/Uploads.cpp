@@ -1,9 +1,11 @@
 #include "ASCKit/Resources/Uploads.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "ASCKit/Resources/AttributeReading.h"
 #include "KestrinCore/Error.h"
+#include "KestrinCore/UnicodeText.h"
 
 namespace kestrin {
 namespace {
@@ -31,6 +33,61 @@ std::string sliceOf(const std::string& bytes, std::int64_t offset, std::int64_t 
     return bytes.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(count));
 }
 
+std::string fileNameOf(const UploadSource& source) {
+    const auto* file = std::get_if<std::filesystem::path>(&source.kind);
+    return file ? text::repaired(file->filename().native()) : "";
+}
+
+// Lengths are the service's word; what they come to is only shown.
+std::int64_t sumOf(std::int64_t sum, std::int64_t length) {
+    constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
+    const auto more = std::max<std::int64_t>(length, 0);
+    return more > kMost - sum ? kMost : sum + more;
+}
+
+std::int64_t totalOf(const std::vector<UploadOperation>& operations) {
+    std::int64_t total = 0;
+    for (const auto& operation : operations) total = sumOf(total, operation.length);
+    return total;
+}
+
+// Tells of one upload from its beginning to its end, which a failure is, too.
+class NewsTeller {
+ public:
+    NewsTeller(const UploadNewsHandler& handler, const UploadSource& source,
+               const std::vector<UploadOperation>& operations)
+        : handler_(handler), news_{.fileName = fileNameOf(source), .total = totalOf(operations)} {
+        tell();
+    }
+    ~NewsTeller() {
+        news_.isOver = true;
+        try {
+            tell();
+        } catch (...) {  // an end that can't be told is an end all the same
+        }
+    }
+    NewsTeller(const NewsTeller&) = delete;
+    NewsTeller& operator=(const NewsTeller&) = delete;
+
+    void partMoved(std::int64_t sent) {
+        news_.sent = sumOf(before_, sent);
+        tell();
+    }
+    void partIsSent(std::int64_t length) {
+        before_ = sumOf(before_, length);
+        partMoved(0);
+    }
+
+ private:
+    void tell() const {
+        if (handler_) handler_(news_);
+    }
+
+    const UploadNewsHandler& handler_;
+    UploadNews news_;
+    std::int64_t before_ = 0;  // bytes of the parts that are sent
+};
+
 }  // namespace
 
 std::vector<UploadOperation> UploadOperation::operations(const JSONObject& attributes) {
@@ -54,11 +111,15 @@ HTTPBody UploadSource::slice(std::int64_t offset, std::int64_t length) const {
 
 void ASC::upload(ASCClient& client, const std::vector<UploadOperation>& operations,
                  const UploadSource& source) {
+    if (operations.empty()) return;
+    NewsTeller news(client.uploadNews(), source, operations);
     for (const auto& operation : operations) {
         HTTPRequest request{.method = operation.method, .url = operation.url, .headers = {}, .body = {}};
         for (const auto& [name, value] : operation.headers) request.headers[name] = value;
         request.body = source.slice(operation.offset, operation.length);
+        request.watch.moved = [&](std::int64_t sent) { news.partMoved(sent); };
         client.sendUploadPart(request);
+        news.partIsSent(operation.length);
     }
 }
 

@@ -45,7 +45,8 @@ struct UploadSource {
 namespace ASC {
 
 // Sends the parts strictly in the order given, with the headers that each names and no token: these addresses aren't
-// the API's. The first part that fails for good ends the upload with its error. No operations: nothing happens.
+// the API's. The first part that fails for good ends the upload with its error. No operations: nothing happens. The
+// client's uploadNews are told how far it is.
 void upload(ASCClient& client, const std::vector<UploadOperation>& operations, const UploadSource& source);
 
 }  // namespace ASC

@@ -17,6 +17,7 @@ class BodyReader {
     explicit BodyReader(const HTTPBody& body);
 
     std::uint64_t length() const { return length_; }  // of a file's range, what of it lies within the file
+    std::uint64_t position() const { return position_; }  // how many bytes have been read since the start
     bool isUntouched() const { return position_ == 0; }
     void rewind() { position_ = 0; }
 

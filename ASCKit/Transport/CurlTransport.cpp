@@ -74,6 +74,12 @@ struct Transfer {
         field += text::repaired(withoutSurroundingWhitespace(line.substr(colon + 1)));
     }
 
+    std::size_t giveBody(char* out, std::size_t capacity) {
+        const auto got = body->read(out, capacity);
+        if (request.watch.moved) request.watch.moved(static_cast<std::int64_t>(body->position()));
+        return got;
+    }
+
     void takeBody(std::string_view bytes) {
         if (reply.body.empty()) reserve();
         if (bytes.size() > limits.bodyBytes - reply.body.size()) refuse();
@@ -109,7 +115,7 @@ std::size_t onBody(char* bytes, std::size_t size, std::size_t count, void* data)
 std::size_t onRead(char* out, std::size_t size, std::size_t count, void* data) {
     auto& transfer = *static_cast<Transfer*>(data);
     std::size_t got = 0;
-    const bool read = transfer.guarded([&] { got = transfer.body->read(out, size * count); });
+    const bool read = transfer.guarded([&] { got = transfer.giveBody(out, size * count); });
     return read ? got : CURL_READFUNC_ABORT;
 }
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -27,6 +28,13 @@ struct FileRange {
 
 using HTTPBody = std::variant<std::string, FileRange>;
 
+// Told while a body goes out: how many of its bytes have been handed to the network, from the start again with each
+// try. No part of what is sent, so that requests are equal whoever watches them. What it throws ends the request.
+struct BodyWatch {
+    std::function<void(std::int64_t sent)> moved = {};
+    bool operator==(const BodyWatch&) const { return true; }
+};
+
 struct HTTPRequest {
     std::string method;  // "GET", in upper case
     URL url;
@@ -34,6 +42,7 @@ struct HTTPRequest {
     std::optional<HTTPBody> body = std::nullopt;
     // How long nothing may move, in either direction; connecting must be done within it. No limit on the whole.
     std::chrono::milliseconds idleLimit = std::chrono::seconds(60);
+    BodyWatch watch = {};
 
     bool operator==(const HTTPRequest&) const = default;
 };

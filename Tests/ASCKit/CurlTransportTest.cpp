@@ -46,6 +46,27 @@ TEST_F(CurlTransportTest, ABodyHasItsLengthAndNothingIsWaitedFor) {
     }
 }
 
+TEST_F(CurlTransportTest, TellsHowMuchOfABodyIsOnItsWay) {
+    const RawServer server(answering(log, rawReply("")));
+    const std::string body(3 << 20, 'x');
+    std::vector<std::int64_t> positions;
+    auto sent = withBody(request(server, "PUT"), body);
+    sent.watch.moved = [&](std::int64_t position) { positions.push_back(position); };
+
+    EXPECT_EQ(outcome(sent), "ok 200 ");
+
+    EXPECT_GT(positions.size(), 1u);
+    EXPECT_TRUE(std::is_sorted(positions.begin(), positions.end()));
+    EXPECT_EQ(positions.back(), static_cast<std::int64_t>(body.size()));
+}
+
+TEST_F(CurlTransportTest, EndsWithWhatAWatchThrows) {
+    const RawServer server(answering(log, rawReply("")));
+    auto sent = withBody(request(server, "PUT"), std::string("body"));
+    sent.watch.moved = [](std::int64_t) { throw Cancelled(); };
+    EXPECT_EQ(outcome(sent), "cancelled");
+}
+
 TEST_F(CurlTransportTest, WithoutABodyThereIsNoContentType) {
     const RawServer server(answering(log, rawReply("")));
     outcome(request(server, "DELETE"));

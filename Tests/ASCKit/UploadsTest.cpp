@@ -73,6 +73,71 @@ TEST(Uploads, NoOperationsSendNothing) {
     EXPECT_TRUE(world.server->sent.empty());
 }
 
+// A step that moves a body by some bytes before it answers.
+ScriptedTransport::Step moving(std::vector<std::int64_t> positions, int status) {
+    return [positions = std::move(positions), status](const HTTPRequest& request, auto&&) {
+        for (const auto position : positions) request.watch.moved(position);
+        return HTTPResponse{status, {}, {}};
+    };
+}
+
+struct Told {
+    ScriptedClient world;
+    const std::vector<UploadNews>& news = world.uploadNews;
+
+    explicit Told(std::vector<ScriptedTransport::Step> script) : world(std::move(script)) {}
+
+    void upload(const std::vector<std::int64_t>& lengths, const UploadSource& source) {
+        std::vector<UploadOperation> parts;
+        for (const auto length : lengths)
+            parts.push_back({"PUT", *URL::parse("https://up/1"), 0, length, {}});
+        ASC::upload(world.client, parts, source);
+    }
+    // "4 of 6", and "over" for the last.
+    std::vector<std::string> lines() const {
+        std::vector<std::string> all;
+        for (const auto& one : news) {
+            all.push_back(std::to_string(one.sent) + " of " + std::to_string(one.total));
+            if (one.isOver) all.back() += " over";
+        }
+        return all;
+    }
+};
+
+TEST(Uploads, TellHowManyBytesOfAllPartsAreSent) {
+    Told told({moving({1, 4}, 200), moving({2}, 200)});
+    told.upload({4, 2}, UploadSource::file("media/clip.mov"));
+    EXPECT_EQ(told.lines(), (std::vector<std::string>{"0 of 6", "1 of 6", "4 of 6", "4 of 6", "6 of 6",
+                                                      "6 of 6", "6 of 6 over"}));
+    EXPECT_EQ(told.news.front().fileName, "clip.mov");
+}
+
+TEST(Uploads, TellThatAPartBeginsAgain) {
+    Told told({moving({3}, 500), moving({1}, 200)});
+    told.upload({4}, UploadSource::data("abcd"));
+    EXPECT_EQ(told.lines(),
+              (std::vector<std::string>{"0 of 4", "3 of 4", "1 of 4", "4 of 4", "4 of 4 over"}));
+    EXPECT_EQ(told.news.front().fileName, "");
+}
+
+TEST(Uploads, TellTheirEndWhenTheyFail) {
+    Told told({moving({3}, 403)});
+    EXPECT_THROW(told.upload({4}, UploadSource::data("abcd")), ASCError);
+    EXPECT_EQ(told.lines().back(), "3 of 4 over");
+}
+
+TEST(Uploads, TellNothingWithoutOperationsAndStandLengthsThatCannotBe) {
+    Told nothing({});
+    nothing.upload({}, UploadSource::data(""));
+    EXPECT_TRUE(nothing.news.empty());
+
+    Told told({moving({1}, 200), moving({1}, 200), moving({0}, 200)});
+    const auto most = std::numeric_limits<std::int64_t>::max();
+    told.upload({most, most, -1}, UploadSource::data("a"));
+    EXPECT_EQ(told.news.back().total, most);
+    EXPECT_EQ(told.news.back().sent, most);
+}
+
 TEST(Uploads, ASlicePastTheEndIsWhatIsThere) {
     const auto source = UploadSource::data("abcdef");
     EXPECT_EQ(sent(source.slice(4, 10)), "ef");

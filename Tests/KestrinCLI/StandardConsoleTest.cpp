@@ -2,15 +2,18 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <stdexcept>
 #include <thread>
 
 #include "KestrinCore/Files.h"
+#include "Tests/Support/ProcessState.h"
 
 namespace kestrin {
 namespace {
@@ -31,8 +34,11 @@ struct Pipe {
 std::string available(const Descriptor& from) {
     fcntl(from.number(), F_SETFL, O_NONBLOCK);
     std::array<char, 65536> bytes{};
-    const auto got = read(from.number(), bytes.data(), bytes.size());
-    return got > 0 ? std::string(bytes.data(), static_cast<std::size_t>(got)) : "";
+    std::string all;
+    for (ssize_t got = 0; (got = read(from.number(), bytes.data(), bytes.size())) > 0;) {
+        all.append(bytes.data(), static_cast<std::size_t>(got));
+    }
+    return all;
 }
 
 // A console whose standard input holds `typed`.
@@ -162,18 +168,143 @@ TEST(StandardConsole, ClosesTheOutputWhenItIsFinished) {
     EXPECT_EQ(available(output.reading), "all\n");
 }
 
-TEST(StandardConsole, ShowsControlCharactersOnATerminalAsPictures) {
-    const Descriptor screen(posix_openpt(O_RDWR | O_NOCTTY));
-    ASSERT_TRUE(grantpt(screen.number()) == 0 && unlockpt(screen.number()) == 0);
-    const Descriptor line(open(ptsname(screen.number()), O_RDWR | O_NOCTTY));
-    ASSERT_TRUE(line);
+// A pseudo terminal: what is written to its line arrives on its screen.
+struct Terminal {
+    explicit Terminal(const char* name = "xterm", unsigned short columns = 80) : term("TERM", name) {
+        if (grantpt(screen.number()) != 0 || unlockpt(screen.number()) != 0)
+            throw std::runtime_error("no terminal");
+        line = Descriptor(open(ptsname(screen.number()), O_RDWR | O_NOCTTY));
+        winsize size{};
+        size.ws_col = columns;
+        ioctl(line.number(), TIOCSWINSZ, &size);
+    }
+    EnvironmentVariable term;
+    Descriptor screen{posix_openpt(O_RDWR | O_NOCTTY)};
+    Descriptor line;
 
-    StandardConsole console(0, line.number(), line.number());
+    std::string shown() const { return available(screen); }
+};
+
+TEST(StandardConsole, ShowsControlCharactersOnATerminalAsPictures) {
+    const Terminal terminal;
+    StandardConsole console(0, terminal.line.number(), terminal.line.number());
     console.print("name: \x1b[2J");
     console.note("note: \x07");
+    EXPECT_EQ(terminal.shown(), "name: ␛[2J\r\nnote: ␇\r\n") << "the carriage returns are the terminal's own";
+}
 
-    EXPECT_EQ(available(screen), "name: ␛[2J\r\nnote: ␇\r\n")
-        << "the carriage returns are the terminal's own";
+TEST(StatusLineOfAConsole, StandsInOnePlaceAndMakesWayForWhatIsWritten) {
+    const Terminal terminal;
+    StandardConsole console(0, terminal.line.number(), terminal.line.number());
+    console.showStatus("one");
+    console.showStatus("two");
+    EXPECT_EQ(terminal.shown(), "\rone\x1b[K\rtwo\x1b[K");
+    console.print("a");
+    EXPECT_EQ(terminal.shown(), "\r\x1b[Ka\r\n");
+    console.print("b");
+    EXPECT_EQ(terminal.shown(), "b\r\n") << "there is nothing left to take away";
+    console.showStatus("three");
+    console.note("c");
+    EXPECT_EQ(terminal.shown(), "\rthree\x1b[K\r\x1b[Kc\r\n");
+}
+
+TEST(StatusLineOfAConsole, VanishesWhenItIsEmptyAndWithTheConsole) {
+    const Terminal terminal;
+    {
+        StandardConsole console(0, 1, terminal.line.number());
+        console.showStatus("one");
+        console.showStatus("");
+        EXPECT_EQ(terminal.shown(), "\rone\x1b[K\r\x1b[K");
+        console.showStatus("");
+        EXPECT_EQ(terminal.shown(), "");
+        console.showStatus("two");
+    }
+    EXPECT_EQ(terminal.shown(), "\rtwo\x1b[K\r\x1b[K");
+}
+
+TEST(StatusLineOfAConsole, IsOnlyOnTheTerminalOfStandardError) {
+    Pipe output;
+    const Terminal terminal;
+    StandardConsole console(0, output.writing.number(), terminal.line.number());
+    console.showStatus("one");
+    console.print("result");
+    EXPECT_EQ(available(output.reading), "result\n");
+    EXPECT_EQ(terminal.shown(), "\rone\x1b[K\r\x1b[K");
+}
+
+TEST(StatusLineOfAConsole, IsNotInAPipe) {
+    Pipe output, errors;
+    const Terminal terminal;
+    {
+        StandardConsole console(0, terminal.line.number(), errors.writing.number());
+        console.showStatus("one");
+        console.print("result");
+        console.note("note");
+    }
+    EXPECT_EQ(available(errors.reading), "note\n");
+    EXPECT_EQ(terminal.shown(), "result\r\n");
+}
+
+TEST(StatusLineOfAConsole, IsNotOnATerminalThatCannotEraseALine) {
+    for (const char* name : {"dumb", "", static_cast<const char*>(nullptr)}) {
+        const Terminal terminal(name);
+        {
+            StandardConsole console(0, 1, terminal.line.number());
+            console.showStatus("one");
+            console.note("note");
+        }
+        EXPECT_EQ(terminal.shown(), "note\r\n");
+    }
+}
+
+TEST(StatusLineOfAConsole, DoesNotTakeAQuestionAway) {
+    const Terminal terminal;
+    Typed typed("y\n");
+    StandardConsole console(typed.input.reading.number(), terminal.line.number(), terminal.line.number());
+    console.write("Really? [y/N] ");
+    console.readLine();
+    console.showStatus("one");
+    EXPECT_EQ(terminal.shown(), "Really? [y/N] ")
+        << "the answer came through a pipe, so the line still stands";
+    console.print("");
+    console.showStatus("two");
+    EXPECT_EQ(terminal.shown(), "\r\n\rtwo\x1b[K");
+}
+
+TEST(StatusLineOfAConsole, BeginsBelowAnAnswerThatWasTyped) {
+    const Terminal terminal;
+    StandardConsole console(terminal.line.number(), terminal.line.number(), terminal.line.number());
+    console.write("Really? ");
+    files::writeAll(terminal.screen, "y\n", "the test's terminal");
+    EXPECT_EQ(console.readLine(), "y");
+    console.showStatus("one");
+    EXPECT_EQ(terminal.shown(), "Really? y\r\n\rone\x1b[K");
+}
+
+TEST(StatusLineOfAConsole, FitsTheTerminal) {
+    const Terminal terminal("xterm", 10);
+    StandardConsole(0, 1, terminal.line.number()).showStatus("a line that is longer");
+    EXPECT_EQ(terminal.shown(), "\ra line th\x1b[K\r\x1b[K");
+}
+
+TEST(StatusLine, IsCutBeforeTheLastColumnAndHoldsNoControls) {
+    struct Row {
+        const char* text;
+        std::size_t columns;
+        const char* line;
+    };
+    const Row rows[] = {
+        {"12345", 6, "12345"},
+        {"12345", 5, "1234"},
+        {"日本語", 7, "日本語"},
+        {"日本語", 6, "日本"},
+        {"a\nb\tc", 80, "a b c"},
+        {"a\x1b[2J", 80, "a␛[2J"},
+        {"", 80, ""},
+        {"a", 1, ""},
+        {"a", 0, ""},
+    };
+    for (const Row& row : rows) EXPECT_EQ(statusLine(row.text, row.columns), row.line) << row.text;
 }
 
 TEST(StandardConsole, HandsOnControlCharactersUnchangedAnywhereElse) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "KestrinCLI/Console.h"
 
@@ -16,13 +17,14 @@ class FakeConsole : public Console {
  public:
     explicit FakeConsole(std::deque<std::string> typed = {}) : typed_(std::move(typed)) {}
 
-    std::string output;       // what went to standard output
-    std::string errors;       // what went to standard error
-    std::string terminal;     // both, as they interleave on a terminal
-    int errorOfOutput = 0;    // when set, standard output fails with this error from now on
-    int errorOfFinish = 0;    // when set, finish() does
-    int finished = 0;         // calls of finish()
-    std::size_t answers = 0;  // lines that were read
+    std::string output;                 // what went to standard output
+    std::string errors;                 // what went to standard error
+    std::vector<std::string> statuses;  // each that was shown, "" for one that was taken away
+    std::string terminal;               // both, as they interleave on a terminal
+    int errorOfOutput = 0;              // when set, standard output fails with this error from now on
+    int errorOfFinish = 0;              // when set, finish() does
+    int finished = 0;                   // calls of finish()
+    std::size_t answers = 0;            // lines that were read
 
     void write(std::string_view bytes) override {
         failWith(errorOfOutput);
@@ -33,6 +35,7 @@ class FakeConsole : public Console {
         errors += bytes;
         terminal += bytes;
     }
+    void showStatus(std::string_view line) noexcept override { statuses.emplace_back(line); }
     std::optional<std::string> readLine() override {
         if (typed_.empty()) return std::nullopt;
         ++answers;

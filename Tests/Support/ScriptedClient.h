@@ -15,7 +15,7 @@
 
 namespace kestrin {
 
-// Everything a client needs, and what it left behind: `server->sent` and `time.slept`. Jitter is the identity.
+// Everything a client needs, and what it left behind: `server->sent`, `time.slept`, `uploadNews`. Jitter is the identity.
 // Executables that use it link ASCApiRoot.
 struct ScriptedClient {
     static constexpr const char* kRoot = "https://api.example.test";
@@ -23,6 +23,7 @@ struct ScriptedClient {
     std::shared_ptr<ScriptedTransport> server;
     FakeTime time;
     std::stop_source stopSource;
+    std::vector<UploadNews> uploadNews;  // all that was told
     ASCClient client;
 
     // With `told`, long waits are written down there, and slept minute by minute.
@@ -64,6 +65,7 @@ struct ScriptedClient {
         options.now = time.clock();
         options.sleep = time.sleep();
         options.stop = stopSource.get_token();
+        options.uploadNews = [this](const UploadNews& news) { uploadNews.push_back(news); };
         if (told) options.waitNotes = told->notes(time);
         return options;
     }
