@@ -110,16 +110,19 @@ HTTPBody UploadSource::slice(std::int64_t offset, std::int64_t length) const {
 }
 
 void ASC::upload(ASCClient& client, const std::vector<UploadOperation>& operations,
-                 const UploadSource& source) {
+                 const UploadSource& source, const PartHooks& hooks) {
     if (operations.empty()) return;
     NewsTeller news(client.uploadNews(), source, operations);
-    for (const auto& operation : operations) {
+    for (std::size_t part = 0; part < operations.size(); ++part) {
+        const auto& operation = operations[part];
+        if (hooks.before) hooks.before(part);
         HTTPRequest request{.method = operation.method, .url = operation.url, .headers = {}, .body = {}};
         for (const auto& [name, value] : operation.headers) request.headers[name] = value;
         request.body = source.slice(operation.offset, operation.length);
         request.watch.moved = [&](std::int64_t sent) { news.partMoved(sent); };
         client.sendUploadPart(request);
         news.partIsSent(operation.length);
+        if (hooks.after) hooks.after(part);
     }
 }
 

@@ -4,8 +4,10 @@
 // one after another; what was reserved is committed.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 #include <variant>
@@ -44,10 +46,17 @@ struct UploadSource {
 
 namespace ASC {
 
+// For whoever goes along with an upload part by part, counted from 0. What they throw ends the upload.
+struct PartHooks {
+    std::function<void(std::size_t part)> before = {};
+    std::function<void(std::size_t part)> after = {};  // of one that has arrived
+};
+
 // Sends the parts strictly in the order given, with the headers that each names and no token: these addresses aren't
 // the API's. The first part that fails for good ends the upload with its error. No operations: nothing happens. The
 // client's uploadNews are told how far it is.
-void upload(ASCClient& client, const std::vector<UploadOperation>& operations, const UploadSource& source);
+void upload(ASCClient& client, const std::vector<UploadOperation>& operations, const UploadSource& source,
+            const PartHooks& hooks = {});
 
 }  // namespace ASC
 }  // namespace kestrin

@@ -80,15 +80,13 @@ BuildUploadResult BuildUploader::upload(const std::filesystem::path& file, const
     const auto& parts = reserved.operations;
     if (parts.empty()) throw BuildUploadError(BuildUploadError::NoUploadOperations{});
 
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        onProgress({Progress::Sending{i, parts.size()}});
-        try {
-            ASC::upload(client_, {parts[i]}, UploadSource::file(file));
-        } catch (const Error&) {
-            unchanged.check();  // a cut file fails in a way that tells nobody why
-            throw;
-        }
-        unchanged.check();
+    const auto tell = [&](std::size_t part) { onProgress({Progress::Sending{part, parts.size()}}); };
+    try {
+        ASC::upload(client_, parts, UploadSource::file(file),
+                    {.before = tell, .after = [&](std::size_t) { unchanged.check(); }});
+    } catch (const Error&) {
+        unchanged.check();  // a cut file fails in a way that tells nobody why
+        throw;
     }
     onProgress({Progress::Sending{parts.size(), parts.size()}});
     onProgress({Progress::Committing{}});

@@ -67,6 +67,33 @@ TEST(Uploads, TheFirstPartThatFailsEndsTheUpload) {
     EXPECT_EQ(world.server->sent.size(), 2u);
 }
 
+TEST(Uploads, WhoeverGoesAlongIsToldBeforeAndAfterEachPart) {
+    ScriptedClient world({reply(200), reply(200), reply(403)});
+    const UploadOperation part{"PUT", *URL::parse("https://up/1"), 0, 1, {}};
+    std::vector<std::string> told;
+    const auto note = [&](const char* when) {
+        return [&told, &world, when](std::size_t number) {
+            told.push_back(when + std::to_string(number) + ", sent " +
+                           std::to_string(world.server->sent.size()));
+        };
+    };
+    EXPECT_THROW(ASC::upload(world.client, {part, part, part}, UploadSource::data("a"),
+                             {.before = note("before "), .after = note("after ")}),
+                 ASCError);
+    EXPECT_EQ(told, (std::vector<std::string>{"before 0, sent 0", "after 0, sent 1", "before 1, sent 1",
+                                              "after 1, sent 2", "before 2, sent 2"}));
+}
+
+TEST(Uploads, WhatOneWhoGoesAlongThrowsEndsTheUpload) {
+    ScriptedClient world({reply(200), reply(200)});
+    const UploadOperation part{"PUT", *URL::parse("https://up/1"), 0, 1, {}};
+    EXPECT_THROW(ASC::upload(world.client, {part, part}, UploadSource::data("a"),
+                             {.after = [](std::size_t) { throw std::runtime_error("enough"); }}),
+                 std::runtime_error);
+    EXPECT_EQ(world.server->sent.size(), 1u);
+    EXPECT_TRUE(world.uploadNews.back().isOver);
+}
+
 TEST(Uploads, NoOperationsSendNothing) {
     ScriptedClient world;
     ASC::upload(world.client, {}, UploadSource::file("nowhere"));

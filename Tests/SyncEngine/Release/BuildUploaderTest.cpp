@@ -169,6 +169,19 @@ TEST(BuildUploader, SendsTheRangesInTheOrderGivenWithTheirHeaders) {
               (Lines{"sending 0 of 3", "sending 1 of 3", "sending 2 of 3", "sending 3 of 3"}));
 }
 
+TEST(BuildUploader, ItsPartsAreOneUploadToWhoeverShowsHowFarItIs) {
+    World world(scriptFor(operation(0, 4) + "," + operation(4, 2), {reply(200), reply(200)}));
+
+    world.upload();
+
+    const UploadNews none{.fileName = "App.ipa", .sent = 0, .total = 6};
+    auto first = none, both = none, over = none;
+    first.sent = 4;
+    both.sent = over.sent = 6;
+    over.isOver = true;
+    EXPECT_EQ(world.api.uploadNews, (std::vector{none, first, both, over}));
+}
+
 TEST(BuildUploader, APartThatFailsTwiceAndThenWorksIsNoFailure) {
     World world(scriptFor(operation(0, 6), {reply(500), fail(TransportError::Code::timedOut), reply(200)}));
     EXPECT_EQ(world.upload().buildID, "B");
