@@ -125,6 +125,12 @@ TEST_F(BuildCommandsTest, UploadTakesTheVersionsOfTheCommandLineInPlaceOfTheFile
     EXPECT_NE(console.output.find(" 1.4 (28),"), std::string::npos);
 }
 
+TEST_F(BuildCommandsTest, UploadWarnsOfNothingWhereTheFileNamesNoApp) {
+    writeBuild("");
+    EXPECT_THROW(upload(), ASCError);
+    EXPECT_EQ(console.errors, "");
+}
+
 TEST_F(BuildCommandsTest, UploadWarnsOfTheBuildOfAnotherApp) {
     writeBuild("<key>CFBundleIdentifier</key><string>com.example.other</string>");
     EXPECT_THROW(upload(), ASCError);

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "AssetPipeline/BuildArchive/BuildArchiveInspector.h"
+#include "AssetPipeline/BuildArchive/ZipArchive.h"
 #include "Tests/AssetPipeline/BuildArchive/ArchiveErrors.h"
 #include "Tests/Support/ArchiveBytes.h"
 #include "Tests/Support/PeakMemory.h"
@@ -115,6 +116,39 @@ TEST_F(HostileArchiveTest, ATableOfContentsOf2GBIsRefusedBeforeItIsMade) {
         bytes.replace(field, 8, bigEndian(std::uint64_t{2} << 30, 8));
         EXPECT_LT(peakMemoryOf([&] { EXPECT_EQ(errorOf("a.pkg", bytes), Kind::malformed); }), kMostMemory);
     }
+}
+
+// What the file really has, or what its data really expands to: no size in it is a lie.
+TEST_F(HostileArchiveTest, WhatIsLargerThanAnyBuildHasItIsRefusedBeforeMemoryIsTaken) {
+    constexpr std::uint64_t kSize = 200'000'000;
+    const auto bomb = zlibStream(std::string(kSize, ' '));
+    const auto headOf = [](std::uint64_t compressed, std::uint64_t size) {
+        return "xar!" + bigEndian(28, 2) + bigEndian(1, 2) + bigEndian(compressed, 8) + bigEndian(size, 8) +
+               bigEndian(0, 4);
+    };
+    const auto table = [](const std::string& data) {
+        return "<xar><toc><file><name>Distribution</name><data>" + data + "</data></file></toc></xar>";
+    };
+    const auto large = std::to_string(kSize);
+    const std::pair<const char*, std::string> packages[] = {
+        {"a table that expands", headOf(bomb.size(), kSize) + bomb},
+        {"a table that is stored so", headOf(kSize, 100)},
+        {"a member that expands", xar({{"Distribution", "application/x-gzip", bomb, kSize}})},
+        {"a member that is stored so", xar(table("<length>" + large + "</length><offset>0</offset>"))},
+    };
+    for (const auto& [what, bytes] : packages) {
+        SCOPED_TRACE(what);
+        folder.write("a.pkg", bytes);
+        std::filesystem::resize_file(folder / "a.pkg", bytes.size() + kSize);  // takes no space
+        EXPECT_LT(peakMemoryOf([&] {
+                      EXPECT_EQ(archiveErrorOf([&] { BuildArchiveInspector::inspect(folder / "a.pkg"); }),
+                                Kind::malformed);
+                  }),
+                  kMostMemory);
+    }
+    const auto bombWithoutHeader = bomb.substr(2);
+    const auto archive = zip({{kInfo, bombWithoutHeader, kSize, ZipArchive::kDeflated}});
+    EXPECT_LT(peakMemoryOf([&] { EXPECT_EQ(errorOf("a.ipa", archive), Kind::malformed); }), kMostMemory);
 }
 
 TEST_F(HostileArchiveTest, EntryCountsThatLieAreRefused) {

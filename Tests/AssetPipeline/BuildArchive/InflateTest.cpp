@@ -45,6 +45,7 @@ TEST(Inflate, WhatIsNoDeflateDataIsMalformed) {
 TEST(Inflate, AZlibStreamNeedsMoreThanItsHeader) {
     EXPECT_TRUE(isMalformed([] { Inflate::zlib("x\x9C", 1); }));
     EXPECT_TRUE(isMalformed([] { Inflate::zlib("", 0); }));
+    EXPECT_TRUE(isMalformed([] { Inflate::zlib("x\x9C", 0); }));
     EXPECT_EQ(Inflate::zlib("x\x9C?", 0), "");
 }
 

@@ -139,6 +139,16 @@ TEST_F(ZipArchiveTest, ManyEntriesOrALargeOffsetAloneMeanZip64) {
     EXPECT_EQ(errorOf(withNumber(small, 6, 0xFFFFFFFF, 4)), Kind::malformed);
 }
 
+TEST_F(ZipArchiveTest, WithoutTheirSignaturesZip64RecordsAreMalformed) {
+    const auto whole = zip({storedMember("a", "abc")}, {.isZip64 = true});
+    for (const std::string signature : {"PK\x06\x06", "PK\x06\x07"}) {
+        SCOPED_TRACE(signature);
+        auto bytes = whole;
+        bytes[bytes.rfind(signature)] = '?';
+        EXPECT_EQ(errorOf(bytes), Kind::malformed);
+    }
+}
+
 TEST_F(ZipArchiveTest, AZip64ExtraHasOnlyWhatTheHeaderLeavesToIt) {
     struct Row {
         const char* when;

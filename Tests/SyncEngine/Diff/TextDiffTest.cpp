@@ -70,6 +70,8 @@ TEST(TextDiffTokens, AreWordsWithTheWhiteSpaceBehindThem) {
         {"hiragana and katakana stand alone", "のアプー", "[の|][ア|][プ|][ー|]"},
         {"a kana with its own voice mark is one", "か\u3099き", "[か\u3099|][き|]"},
         {"the characters around kana are what they are", "\u303F\u3105\u3131", "[\u303F|][\u3105\u3131|]"},
+        {"the first and the last of the kana", "a\u3040b\u30FFc", "[a|][\u3040|][b|][\u30FF|][c|]"},
+        {"what comes behind the kana is no kana", "a\u3100b", "[a\u3100b|]"},
         {"half-width kana are letters", "ｱﾌﾟﾘ", "[ｱﾌﾟﾘ|]"},
         {"Hangul are letters", "한글 앱", "[한글| ][앱|]"},
         {"Thai has no blanks between words", "สวัสดี", "[สวัสดี|]"},

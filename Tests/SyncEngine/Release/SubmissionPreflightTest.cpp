@@ -275,6 +275,8 @@ TEST(SubmissionPreflight, ThePrimaryLocaleHasScreenshotsOfTheMainDevice) {
             {"an empty slot", withMedia({"IPHONE_67", "APP_SCREENSHOT"}, {}), "failed: de-DE"},
             {"no media", [](auto& v) { v.listing().media.clear(); }, "failed: de-DE"},
             {"of a Mac for a Mac", withMedia({"MAC_PROFILE", "APP_SCREENSHOT"}, one, kMac), "passed"},
+            {"of a Mac, but in another group", withMedia({"MAC_PROFILE_2", "APP_SCREENSHOT"}, one, kMac),
+             "failed: de-DE"},
             {"of a phone for a Mac", withMedia({"IPHONE_67", "APP_SCREENSHOT"}, one, kMac), "failed: de-DE"},
             {"of a Mac for a phone", withMedia({"MAC_PROFILE", "APP_SCREENSHOT"}, one), "failed: de-DE"},
             {"of a phone for a television",
