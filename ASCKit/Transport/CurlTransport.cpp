@@ -147,6 +147,12 @@ void setPolicy(CURL* handle) {
 #endif
 }
 
+void setTrust(CURL* handle, const std::filesystem::path& certificates) {
+    if (certificates.empty()) return;
+    setCurlOption(handle, CURLOPT_CAINFO, certificates.c_str());
+    setCurlOption(handle, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+}
+
 TransportError unsendable(const char* reason) {
     return TransportError(TransportError::Code::unsupportedURL, reason);
 }
@@ -229,8 +235,10 @@ TransportError::Code codeOf(CURLcode result) {
 
 }  // namespace
 
-CurlTransport::CurlTransport(Limits limits)
-    : connection_(std::make_unique<CurlConnection>()), limits_(limits) {}
+CurlTransport::CurlTransport(Limits limits, std::filesystem::path certificates)
+    : connection_(std::make_unique<CurlConnection>()),
+      limits_(limits),
+      certificates_(std::move(certificates)) {}
 
 CurlTransport::~CurlTransport() = default;
 
@@ -242,6 +250,7 @@ HTTPResponse CurlTransport::send(const HTTPRequest& request, const std::stop_tok
     Transfer transfer{request, limits_, handle};
     HeaderList headers;
     setPolicy(handle);
+    setTrust(handle, certificates_);
     setHeaders(request, headers);
     setCurlOption(handle, CURLOPT_URL, request.url.absoluteString().c_str());
     setCurlOption(handle, CURLOPT_HTTPHEADER, headers.get());

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <memory>
 
 #include "ASCKit/Transport/HTTPTransport.h"
@@ -27,7 +28,8 @@ class CurlTransport final : public HTTPTransport {
         std::size_t headerBytes = std::size_t{256} << 10;
     };
 
-    explicit CurlTransport(Limits limits);
+    // `certificates`: a PEM file of those that are trusted in place of the system's; the system's when empty.
+    explicit CurlTransport(Limits limits, std::filesystem::path certificates = {});
     CurlTransport() : CurlTransport(Limits{}) {}
     ~CurlTransport() override;
 
@@ -36,6 +38,7 @@ class CurlTransport final : public HTTPTransport {
  private:
     std::unique_ptr<CurlConnection> connection_;
     Limits limits_;
+    std::filesystem::path certificates_;
 };
 
 }  // namespace kestrin

@@ -1,5 +1,8 @@
 // Who is spoken to: certificates, redirects, proxies, and other hosts.
+#include <semaphore>
+
 #include "Tests/ASCKit/CurlTransportFixture.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 namespace kestrin {
 namespace {
@@ -46,6 +49,64 @@ TEST_F(CurlTransportHostsTest, ACertificateThatNobodyVouchesForIsRefused) {
     EXPECT_EQ(outcome(sent), "transport error secureConnectionFailed");
     EXPECT_EQ(log.size(), 0u);
     EXPECT_EQ(server.connections(), 1u);
+}
+
+// A transport for which the server's own certificate is that of somebody who vouches for it.
+struct TrustedServer : CurlTransportFixture {
+    void trust(const RawServer& server) {
+        folder.write("certificates.pem", server.certificate());
+        transport = std::make_unique<CurlTransport>(CurlTransport::Limits{}, folder / "certificates.pem");
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(TrustedServer, IsSpokenToOverTLSAsOverPlainHTTP) {
+    const RawServer server(answering(log, rawReply("b")), {.withTLS = true});
+    trust(server);
+    EXPECT_EQ(outcome(request(server)), "ok 200 b");
+    EXPECT_EQ(outcome(withBody(request(server, "PATCH"), "{}")), "ok 200 b");
+    EXPECT_EQ(log.at(1).body, "{}");
+    EXPECT_EQ(server.connections(), 1u);
+}
+
+// Leave is taken of a TLS connection by writing to it, and a plain write to a dead one ends the program without a word.
+TEST_F(TrustedServer, MayResetAConnectionWithoutEndingTheProgram) {
+    std::binary_semaphore hasReply{0}, isReset{0};
+    const RawServer server(
+        [&](RawConnection& connection) {
+            log.add(connection.readRequest().value());
+            connection.send(rawReply("b"));
+            hasReply.acquire();
+            connection.reset();
+            isReset.release();
+        },
+        {.withTLS = true});
+    trust(server);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(outcome(request(server)), "ok 200 b");
+        hasReply.release();
+        isReset.acquire();
+    }
+    transport.reset();
+    EXPECT_EQ(server.connections(), 3u);
+}
+
+TEST_F(TrustedServer, IsRefusedUnderAnotherName) {
+    const RawServer server(answering(log, rawReply("b")), {.withTLS = true});
+    trust(server);
+    auto sent = request(server);
+    sent.url = URL::parse("https://localhost:" + std::to_string(server.port()) + "/").value();
+    sent.headers = {{"Authorization", "Bearer x.y.z"}};
+    EXPECT_EQ(outcome(sent), "transport error secureConnectionFailed");
+    EXPECT_EQ(log.size(), 0u);
+}
+
+TEST_F(TrustedServer, IsRefusedOnceItsCertificateHasExpired) {
+    const RawServer server(answering(log, rawReply("b")), {.withTLS = true, .hasExpired = true});
+    trust(server);
+    EXPECT_EQ(outcome(request(server)), "transport error secureConnectionFailed");
+    EXPECT_EQ(log.size(), 0u);
 }
 
 TEST_F(CurlTransportHostsTest, PlainHTTPBehindAnHTTPSAddressIsRefused) {

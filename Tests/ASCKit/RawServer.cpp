@@ -2,7 +2,9 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <openssl/pem.h>
 #include <openssl/x509v3.h>
+#include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -10,6 +12,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "KestrinCore/Handle.h"
 #include "Tests/ASCKit/TestKeys.h"
 
 namespace kestrin {
@@ -21,13 +24,14 @@ constexpr std::string_view kHeadEnd = "\r\n\r\n";
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> selfSigned() {
+std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> selfSigned(bool hasExpired) {
     const auto key = testkeys::p256();
     const std::unique_ptr<X509, decltype(&X509_free)> certificate(X509_new(), X509_free);
     X509_set_version(certificate.get(), 2);
     ASN1_INTEGER_set(X509_get_serialNumber(certificate.get()), 1);
-    X509_gmtime_adj(X509_getm_notBefore(certificate.get()), -3600);
-    X509_gmtime_adj(X509_getm_notAfter(certificate.get()), 3600);
+    constexpr long kHour = 3600;
+    X509_gmtime_adj(X509_getm_notBefore(certificate.get()), -2 * kHour);
+    X509_gmtime_adj(X509_getm_notAfter(certificate.get()), hasExpired ? -kHour : kHour);
     X509_set_pubkey(certificate.get(), key.get());
     auto* name = X509_get_subject_name(certificate.get());
     X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("127.0.0.1"),
@@ -44,6 +48,14 @@ std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> selfSigned() {
         throw std::runtime_error("OpenSSL can't use this certificate");
     }
     return context;
+}
+
+// OpenSSL writes to a connection that the other side has closed as to any other.
+void ignoreBrokenPipes() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
 }  // namespace
@@ -122,6 +134,15 @@ bool RawConnection::send(std::string_view bytes) {
     return true;
 }
 
+void RawConnection::reset() {
+    const linger atOnce{1, 0};
+    setsockopt(socket_, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    // Another socket takes the number, and with it this one's last descriptor.
+    const int other = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    dup2(other, socket_);
+    close(other);
+}
+
 void RawConnection::waitForEnd() {
     while (fill()) buffered_.clear();
 }
@@ -132,7 +153,7 @@ void RawConnection::interrupt() {
 
 RawServer::RawServer(Handler handler, Options options)
     : handler_(std::move(handler)), options_(options), tls_(nullptr, SSL_CTX_free) {
-    if (options_.withTLS) tls_ = selfSigned();
+    if (options_.withTLS) tls_ = selfSigned(options_.hasExpired);
     listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (listener_ < 0) fail("socket");
     if (options_.receiveBuffer > 0) {
@@ -164,6 +185,14 @@ std::string RawServer::root() const {
     return (options_.withTLS ? "https://127.0.0.1:" : "http://127.0.0.1:") + std::to_string(port_);
 }
 
+std::string RawServer::certificate() const {
+    const Handle<BIO, BIO_free> pem(BIO_new(BIO_s_mem()));
+    PEM_write_bio_X509(pem.get(), SSL_CTX_get0_certificate(tls_.get()));
+    char* bytes = nullptr;
+    const auto size = BIO_get_mem_data(pem.get(), &bytes);
+    return {bytes, static_cast<std::size_t>(size)};
+}
+
 std::size_t RawServer::connections() const {
     const std::lock_guard lock(mutex_);
     return threads_.size();
@@ -185,6 +214,7 @@ void RawServer::accept() {
 }
 
 void RawServer::serve(RawConnection& connection) {
+    ignoreBrokenPipes();
     if (connection.greet()) {
         handler_(connection);
     } else {

@@ -51,7 +51,8 @@ class RawConnection {
     bool send(std::string_view bytes);     // false when the other side is gone
     std::string read(std::size_t atMost);  // "" at the end
     void waitForEnd();                     // until the other side closes
-    void interrupt();                      // from another thread: ends every read and send
+    void reset();      // ends it as a load balancer does that has forgotten the connection: with RST
+    void interrupt();  // from another thread: ends every read and send
 
  private:
     bool fill();
@@ -66,8 +67,9 @@ class RawServer {
     using Handler = std::function<void(RawConnection&)>;
 
     struct Options {
-        bool withTLS = false;   // with a self-signed certificate for 127.0.0.1, made on the spot
-        int receiveBuffer = 0;  // bytes; 0: the system's own
+        bool withTLS = false;     // with a self-signed certificate for 127.0.0.1, made on the spot
+        bool hasExpired = false;  // the certificate, an hour ago
+        int receiveBuffer = 0;    // bytes; 0: the system's own
     };
 
     explicit RawServer(Handler handler) : RawServer(std::move(handler), Options{}) {}
@@ -75,7 +77,8 @@ class RawServer {
     ~RawServer();
 
     int port() const { return port_; }
-    std::string root() const;  // "http://127.0.0.1:4711"
+    std::string root() const;         // "http://127.0.0.1:4711"
+    std::string certificate() const;  // of a server with TLS, in PEM
 
     // How many connections there have been, and how many of them failed to agree on TLS.
     std::size_t connections() const;

@@ -232,6 +232,12 @@ TEST(ResourceRecords, ImagesAndVideosHaveTheirThumbnailsInDifferentPlaces) {
     EXPECT_EQ(video.thumbnail, (ImageTemplate{"https://v", 1, 2}));
 }
 
+TEST(ResourceRecords, AnAssetThatIsNoVideoIsAnImage) {
+    const auto asset =
+        ASCLibraryAsset::fromResource(resource(R"({"type":"appAssetLibraryAnimations","id":"1"})"));
+    EXPECT_EQ(asset.kind, ASCLibraryAsset::Kind::image);
+}
+
 TEST(ResourceRecords, AThumbnailOfAnotherShapeIsNone) {
     for (const auto* attributes : {
              R"({"imageAsset":"https://i"})",
