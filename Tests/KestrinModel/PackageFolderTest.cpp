@@ -246,6 +246,10 @@ TEST(PackageFolder, RefusesAFileAboveTheLimitByItsPathInThePackage) {
 }
 
 TEST(PackageFolder, WritesNothingThatCouldntBeReadAgain) {
+    PackageFolder largest;
+    largest.setFile("x", std::string(PackageFolder::kMaximumFileSize, 'x'));
+    EXPECT_TRUE(largest.hasFile("x"));
+
     PackageFolder folder;
     EXPECT_THROW(folder.setFile("x", std::string(PackageFolder::kMaximumFileSize + 1, 'x')),
                  FileTooLargeError);

@@ -236,7 +236,12 @@ TEST(PackageReader, ReadsAllOfAPlatform) {
 }
 
 TEST(PackageReader, ALocaleWithNothingInItLeavesNoEntry) {
-    const auto project = reading({{"iOS/Locales/de/notes.md", "x"}, {"iOS/Locales/fr/", ""}});
+    const auto project = reading({{"iOS/Locales/de/notes.md", "x"},
+                                  {"iOS/Locales/fr/", ""},
+                                  {"iOS/Locales/it/listing.json", "{}"},
+                                  {"iOS/Locales/it/description.txt", "\n"},
+                                  {"iOS/Locales/it/placements.json", "{}"},
+                                  {"iOS/Locales/ja/placements.json", R"({"g": {"t": []}})"}});
     EXPECT_EQ(project[StorePlatform::iOS], PlatformListing());
     EXPECT_EQ(project.platforms.size(), 1u);
 }

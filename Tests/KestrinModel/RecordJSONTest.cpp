@@ -225,6 +225,11 @@ TEST(ProjectManifest, IsReadWithDefaultsForAllButItsID) {
     EXPECT_TRUE(manifest.unknownFields.empty());
 }
 
+TEST(AppBinding, IsReadWithDefaultsForAll) {
+    EXPECT_EQ(decode<AppBinding>("{}"), AppBinding{});
+    EXPECT_EQ(decode<AppBinding>(R"({"bundleID":null,"ascAppID":null})"), AppBinding{});
+}
+
 TEST(ProjectManifest, KeepsTheOrderOfItsLists) {
     const auto manifest = decode<ProjectManifest>(
         R"({"projectID":"0F9C1B2A-3D4E-4F50-8A6B-7C8D9E0F1A2B","platforms":["TV_OS","IOS","WATCH_OS","IOS"],)"
