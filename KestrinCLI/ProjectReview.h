@@ -19,7 +19,7 @@ struct ProjectReview {
 };
 
 // Loads the project at the path that `word` means, connects, and reads what there is to know of both sides; nothing
-// is written but the cached reference data. Throws what loadProject, makeClient and ProjectPusher::review throw.
+// is written but the cached reference data. Notes the media that App Store Connect has no bytes of. Throws what loadProject, makeClient and ProjectPusher::review throw.
 ProjectReview reviewProject(std::string_view word, Console& console);
 
 }  // namespace kestrin

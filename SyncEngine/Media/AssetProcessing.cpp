@@ -13,4 +13,8 @@ bool isDead(const std::optional<std::string>& state) {
     return state && dead.contains(*state);
 }
 
+bool awaitsUpload(const std::optional<std::string>& state) {
+    return state == "AWAITING_UPLOAD";
+}
+
 }  // namespace kestrin::AssetProcessing

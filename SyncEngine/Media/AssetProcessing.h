@@ -14,4 +14,7 @@ extern const std::set<std::string> dead;        // "FAILED", "REJECTED", "ARCHIV
 bool isProcessing(const std::optional<std::string>& state);
 bool isDead(const std::optional<std::string>& state);
 
+// Whether the bytes haven't all arrived: an upload is under way, or was cut.
+bool awaitsUpload(const std::optional<std::string>& state);
+
 }  // namespace kestrin::AssetProcessing

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "KestrinCore/Error.h"
+#include "SyncEngine/Media/AssetProcessing.h"
 #include "SyncEngine/Pull/PullService.h"
 #include "SyncEngine/Push/PushPlanner.h"
 
@@ -46,6 +47,19 @@ std::vector<PushStep> PushReview::steps(const std::set<ContentKey>& selection) c
                      [&](const Change& change) { return selection.contains(change.key); });
     }
     return PushPlanner::plan(selected, remote, media ? media->hashes : PushPlanner::MediaHashes{}, refData);
+}
+
+KnownAssets PushReview::assetsAwaitingUpload() const {
+    KnownAssets waiting;
+    const auto look = [&](const ASCLibraryAsset& asset) {
+        if (AssetProcessing::awaitsUpload(asset.state)) waiting.emplace(asset.id, asset);
+    };
+    for (const auto& [id, asset] : remote.assets) look(asset);
+    if (!media) return waiting;
+    for (const auto& [path, hash] : media->hashes) {
+        if (const auto* asset = media->index.asset(hash)) look(*asset);
+    }
+    return waiting;
 }
 
 std::size_t PushReview::estimatedRequests(const std::set<ContentKey>& selection) const {

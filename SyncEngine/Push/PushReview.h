@@ -28,6 +28,10 @@ struct PushReview {
     // The writes for the selected keys. Changes and conflicts can be selected; drift and what is blocked never go out.
     std::vector<PushStep> steps(const std::set<ContentKey>& selection) const;
 
+    // The assets without their bytes, by id, of those that stand in the listing there or that a local file would be
+    // taken for: nothing else tells that a slot which is as it should be shows no picture.
+    KnownAssets assetsAwaitingUpload() const;
+
     // About how many requests pushing them takes, the read-back included.
     std::size_t estimatedRequests(const std::set<ContentKey>& selection) const;
 };

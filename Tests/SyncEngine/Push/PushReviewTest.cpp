@@ -77,6 +77,40 @@ TEST(PushReview, PlansWithItsHashesAndReferenceData) {
               "IOS/de-DE/media/phone/shot\n");
 }
 
+// --- assetsAwaitingUpload
+
+ASCLibraryAsset assetIn(const std::string& id, const std::string& state, const std::string& hash = "") {
+    ASCLibraryAsset asset;
+    asset.id = id;
+    asset.state = state;
+    if (!hash.empty()) asset.referenceName = "mq-a-" + hash;
+    return asset;
+}
+
+TEST(PushReview, AnAssetWithoutItsBytesIsToldWhereverItIsSeen) {
+    auto cut = review();
+    cut.remote.assets = {{"placed", assetIn("placed", "AWAITING_UPLOAD")},
+                         {"processed", assetIn("processed", "UPLOAD_COMPLETE")},
+                         {"whole", assetIn("whole", "APPROVED")}};
+    cut.media = MediaResolution{};
+    cut.media->index = LibraryIndex({assetIn("for a file", "AWAITING_UPLOAD", "aaaaaaaaaaaa"),
+                                     assetIn("another's", "AWAITING_UPLOAD", "bbbbbbbbbbbb")});
+    cut.media->hashes = {{"Media/a.png", "aaaaaaaaaaaa0000"}, {"Media/new.png", "cccccccccccc0000"}};
+
+    std::vector<std::string> ids;
+    for (const auto& [id, asset] : cut.assetsAwaitingUpload()) ids.push_back(id);
+    EXPECT_EQ(ids, (std::vector<std::string>{"for a file", "placed"}));
+}
+
+TEST(PushReview, AFileWhoseContentIsThereTwiceIsntTakenForTheEmptyAsset) {
+    auto again = review();
+    again.media = MediaResolution{};
+    again.media->index = LibraryIndex(
+        {assetIn("1", "AWAITING_UPLOAD", "aaaaaaaaaaaa"), assetIn("2", "APPROVED", "aaaaaaaaaaaa")});
+    again.media->hashes = {{"Media/a.png", "aaaaaaaaaaaa0000"}};
+    EXPECT_TRUE(again.assetsAwaitingUpload().empty());
+}
+
 // --- estimatedRequests
 
 TEST(PushReview, TheEstimateOfNothingIsTheReadBack) {
