@@ -1,5 +1,11 @@
 // Who is spoken to: certificates, redirects, proxies, and other hosts.
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
 #include <semaphore>
+#include <thread>
 
 #include "Tests/ASCKit/CurlTransportFixture.h"
 #include "Tests/Support/TemporaryFolder.h"
@@ -150,6 +156,54 @@ TEST_F(CurlTransportHostsTest, AProxySeesNoTokenOfAnHTTPSRequest) {
     ASSERT_GE(log.size(), 1u);
     EXPECT_EQ(log.at(0).line(), "CONNECT api.example.test:443 HTTP/1.1");
     for (const auto& each : log.all()) EXPECT_EQ(each.head.find("Bearer"), each.head.npos);
+}
+
+// Carries bytes between a client and a server of this machine until one of them has enough.
+void carry(RawConnection& client, int port) {
+    const int server = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    ASSERT_EQ(connect(server, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    std::thread back([&] {
+        std::array<char, 4096> piece;
+        for (ssize_t got = 0; (got = recv(server, piece.data(), piece.size(), 0)) > 0;)
+            client.send({piece.data(), static_cast<std::size_t>(got)});
+        client.interrupt();
+    });
+    for (std::string piece; !(piece = client.read(4096)).empty();)
+        send(server, piece.data(), piece.size(), MSG_NOSIGNAL);
+    shutdown(server, SHUT_RDWR);
+    back.join();
+    close(server);
+}
+
+TEST_F(TrustedServer, IsReachedThroughAProxyThatSeesNothingOfTheRequests) {
+    const RawServer server(answering(log, rawReply("b", "X-From: the server\r\n")), {.withTLS = true});
+    trust(server);
+    RequestLog seen;
+    const RawServer proxy([&](RawConnection& connection) {
+        seen.add(connection.readRequest().value());
+        connection.send("HTTP/1.1 200 Connection established\r\nX-From: the proxy\r\n\r\n");
+        carry(connection, server.port());
+    });
+    environment.set("https_proxy", proxy.root());
+    auto sent = request(server);
+    sent.headers = {{"Authorization", "Bearer x.y.z"}};
+
+    for (int i = 0; i < 2; ++i) {
+        const auto reply = transport->send(sent, {});
+        EXPECT_EQ(reply.status, 200);
+        EXPECT_EQ(reply.body, "b");
+        EXPECT_EQ(reply.header("X-From"), "the server");
+    }
+
+    EXPECT_EQ(log.at(1).header("Authorization"), "Bearer x.y.z");
+    ASSERT_EQ(seen.size(), 1u);
+    EXPECT_EQ(seen.at(0).line(), "CONNECT 127.0.0.1:" + std::to_string(server.port()) + " HTTP/1.1");
+    EXPECT_EQ(seen.at(0).head.find("Bearer"), std::string::npos);
+    EXPECT_EQ(seen.at(0).header("User-Agent"), "");
 }
 
 TEST_F(CurlTransportHostsTest, AProxyThatRefusesIsATransportErrorAndNotTheReply) {
