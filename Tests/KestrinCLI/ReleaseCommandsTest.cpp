@@ -107,11 +107,14 @@ TEST(PrintProductPages, ShowsATestsShareAndItsTreatmentsWithTheirIcons) {
     test.treatments[{"blue"}].appIconName = "BlueIcon";
     test.treatments[{"green"}].name = "Green";
     test.treatments[{"green"}].appIconName = "";
+    project.experiments[{"nobody"}].name = "Nobody";
+    project.experiments[{"nobody"}].trafficProportion = 0;
     EXPECT_EQ(printed(project, {}),
               "test icons: Icons (MAC_OS, 30% of traffic) [not pushed]\n"
               "  treatment blue: Blue, icon BlueIcon\n"
               "  treatment green: Green\n"
-              "  treatment red: Red\n");
+              "  treatment red: Red\n"
+              "test nobody: Nobody (IOS, 0% of traffic) [not pushed]\n");
 }
 
 TEST(PrintProductPages, ShowsNothingThatOnlyAppStoreConnectHas) {

@@ -42,7 +42,8 @@ std::string directoryHeader(const ZipMember& member, std::uint64_t offset, bool 
     return "PK\x01\x02" + littleEndian(20, 2) + littleEndian(20, 2) + littleEndian(0, 2) +
            littleEndian(member.method, 2) + littleEndian(0, 8) + said(member.data.size()) +
            said(member.size) + littleEndian(member.name.size(), 2) + littleEndian(extra.size(), 2) +
-           littleEndian(0, 10) + said(offset) + member.name + extra;
+           littleEndian(member.comment.size(), 2) + littleEndian(0, 8) + said(offset) + member.name + extra +
+           member.comment;
 }
 
 std::string zip64End(std::size_t count, std::uint64_t directorySize, std::uint64_t directory) {

@@ -20,7 +20,7 @@ struct ZipMember {
     std::string data;        // as it is stored
     std::uint64_t size = 0;  // as it was before, so the directory says
     std::uint16_t method = 0;
-    std::string localExtra = {}, directoryExtra = {};
+    std::string localExtra = {}, directoryExtra = {}, comment = {};
 };
 ZipMember storedMember(std::string name, std::string content);
 ZipMember deflatedMember(std::string name, std::string_view content);

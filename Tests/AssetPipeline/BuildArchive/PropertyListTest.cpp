@@ -76,6 +76,11 @@ TEST(PropertyList, ATooLargeOneIsMalformed) {
     const auto list =
         xmlPropertyList("<key>a</key><string>" + std::string(PropertyList::mostBytes, 'a') + "</string>");
     EXPECT_EQ(errorOf(list), Kind::malformed);
+
+    std::vector<std::string> objects = {dictionary({1}, {2}), ascii("a"), array({})};
+    objects.resize(20, ascii(std::string(65'000, 'x')));  // that nothing refers to
+    EXPECT_GT(binaryPropertyList::of(objects).size(), PropertyList::mostBytes);
+    EXPECT_EQ(errorOf(binaryPropertyList::of(objects)), Kind::malformed);
 }
 
 TEST(PropertyList, AnEntityBombIsMalformed) {
@@ -96,6 +101,38 @@ TEST(PropertyList, NestingWithoutEndIsMalformed) {
               Kind::malformed);
 }
 
+// Arrays in arrays, with references of four bytes.
+std::string nestedBinaryList(std::uint64_t arrays) {
+    const auto reference = [](std::uint64_t object) { return bigEndian(object, 4); };
+    std::string bytes = "bplist00", offsets;
+    const auto add = [&](const std::string& object) {
+        offsets += bigEndian(bytes.size(), 4);
+        bytes += object;
+    };
+    add("\xD1" + reference(1) + reference(2));
+    add(ascii("a"));
+    for (std::uint64_t i = 0; i < arrays; ++i) add("\xA1" + reference(3 + i));
+    add(array({}));
+    return bytes + offsets + bigEndian(0, 6) + bigEndian(4, 1) + bigEndian(4, 1) + bigEndian(arrays + 3, 8) +
+           bigEndian(0, 8) + bigEndian(bytes.size(), 8);
+}
+
+TEST(PropertyList, OfABinaryOneTheDepthIsLimitedToo) {
+    EXPECT_EQ(errorOf(nestedBinaryList(500)), std::nullopt);
+    EXPECT_EQ(errorOf(nestedBinaryList(512)), Kind::malformed);
+    EXPECT_EQ(errorOf(nestedBinaryList(100'000)), Kind::malformed);
+}
+
+TEST(PropertyList, ATableOfOffsetsBehindTheEndIsMalformed) {
+    const auto list = binaryPropertyList::of({dictionary({}, {})});
+    for (const std::uint64_t place : {list.size() - 31, list.size(), std::size_t{1} << 40, ~std::size_t{0}}) {
+        SCOPED_TRACE(place);
+        auto bytes = list;
+        bytes.replace(bytes.size() - 8, 8, bigEndian(place, 8));
+        EXPECT_EQ(errorOf(bytes), Kind::malformed);
+    }
+}
+
 TEST(PropertyList, ArraysThatMultiplyEachOtherAreMalformed) {
     std::vector<std::string> objects = {dictionary({1}, {2}), ascii("a")};
     for (int i = 3; i < 60; ++i) objects.push_back(array({i, i}));
@@ -110,6 +147,7 @@ TEST(PropertyList, ATextThatStandsInManyPlacesIsMalformedOnceItTakesTooMuch) {
                                        ascii(std::string(50'000, 'x'))});
     };
     EXPECT_EQ(errorOf(listOf(100)), std::nullopt);
+    EXPECT_EQ(errorOf(listOf(120)), Kind::malformed);
     EXPECT_EQ(errorOf(listOf(10'000)), Kind::malformed);
 }
 

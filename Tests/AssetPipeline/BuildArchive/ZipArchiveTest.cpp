@@ -97,6 +97,12 @@ TEST_F(ZipArchiveTest, TheLengthsInFrontOfTheDataAreThoseOfTheLocalHeader) {
     EXPECT_EQ(contents(zip({storedMember("b", "xyz"), member})), "abc");
 }
 
+TEST_F(ZipArchiveTest, AnEntryMayHaveAComment) {
+    auto first = storedMember("b", "xyz");
+    first.comment = "what it is for";
+    EXPECT_EQ(contents(zip({first, storedMember("a", "abc")})), "abc");
+}
+
 TEST_F(ZipArchiveTest, ANameIsRepairedToUTF8) {
     EXPECT_EQ(contents(zip({storedMember("a\xFFz", "abc")}), "a\uFFFDz"), "abc");
     EXPECT_EQ(contents(zip({storedMember("ü", "abc")}), "ü"), "abc");

@@ -150,6 +150,15 @@ RC_GTEST_PROP(EditScript, IsTheOneOfTheAlgorithmsDefinitionWhereLittleDiffers, (
     RC_ASSERT(EditScript::shortest(from, to) == byDefinition(from, to));
 }
 
+// Long ones that differ at their ends alone, so that little is searched, but all of it, up to both of the ends.
+RC_GTEST_PROP(EditScript, IsTheOneOfTheAlgorithmsDefinitionBehindALongBeginningThatIsTheSame, ()) {
+    const auto ending = rc::gen::resize(12, fewDifferentNumbers());
+    Numbers from(400, 7), to(400, 7);
+    for (const auto number : *ending) from.push_back(number);
+    for (const auto number : *ending) to.push_back(number);
+    RC_ASSERT(EditScript::shortest(from, to) == byDefinition(from, to));
+}
+
 RC_GTEST_PROP(EditScript, IsAsShortAsAny, ()) {
     const auto from = *rc::gen::container<Numbers>(200, rc::gen::inRange(0, 20));
     const auto to = *rc::gen::container<Numbers>(190, rc::gen::inRange(0, 20));
