@@ -130,6 +130,8 @@ TEST(PropertyList, ATableOfOffsetsBehindTheEndIsMalformed) {
         auto bytes = list;
         bytes.replace(bytes.size() - 8, 8, bigEndian(place, 8));
         EXPECT_EQ(errorOf(bytes), Kind::malformed);
+        bytes.replace(bytes.size() - 24, 8, bigEndian(std::uint64_t{1} << 60, 8));  // of so many objects
+        EXPECT_EQ(errorOf(bytes), Kind::malformed);
     }
 }
 
