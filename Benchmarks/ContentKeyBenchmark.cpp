@@ -1,15 +1,13 @@
-// What flattening a project to keys and sorting keys costs per key, and whether it stays that way as a listing grows:
-// with n log n, twice the listing takes a little more than twice the time, with a quadratic step four times.
+// What flattening a project to keys and sorting keys costs per key, and whether it stays that way as a listing grows.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <ctime>
-#include <limits>
 #include <map>
 #include <random>
 #include <vector>
 
 #include "Benchmarks/LargeListing.h"
+#include "Benchmarks/WhenDoubled.h"
 #include "SyncEngine/Content/ContentGraph.h"
 
 namespace kestrin {
@@ -78,34 +76,6 @@ void parseIDs(benchmark::State& state) {
     reportPerKey(state, keys.size());
 }
 BENCHMARK(parseIDs)->ArgName("times")->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
-
-// Of the processor, the best of all runs, so that what else the machine does doesn't count. A run that isn't measured
-// goes first: it leaves the heap and the caches as this very operation leaves them.
-class BestTime {
- public:
-    template <class Operation>
-    void measure(const Operation& operation) {
-        operation();
-        const auto start = std::clock();
-        operation();
-        ticks_ = std::min(ticks_, std::clock() - start);
-    }
-    double ticks() const { return static_cast<double>(ticks_); }
-
- private:
-    std::clock_t ticks_ = std::numeric_limits<std::clock_t>::max();
-};
-
-// The time of twice the listing over the time of the listing.
-template <class OperationOnListing>
-void reportRatioWhenDoubled(benchmark::State& state, const OperationOnListing& operation) {
-    BestTime once, twice;
-    for (auto _ : state) {
-        once.measure([&] { operation(1); });
-        twice.measure([&] { operation(2); });
-    }
-    state.counters["ratio"] = twice.ticks() / once.ticks();
-}
 
 void flattenDoubled(benchmark::State& state) {
     const std::map<int, Project> projects = {{1, listing(1)}, {2, listing(2)}};
