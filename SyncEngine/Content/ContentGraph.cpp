@@ -143,10 +143,16 @@ void write(std::string value, const ContentKey::Review& key, Project& project) {
 }  // namespace
 
 FlatValues flatten(const Project& project) {
+    return flatten(project.app, project.platforms, project.pages, project.experiments);
+}
+
+FlatValues flatten(const AppListing& app, const std::map<StorePlatform, PlatformListing>& platforms,
+                   const std::map<Slug, CustomProductPage>& pages,
+                   const std::map<Slug, Experiment>& experiments) {
     Flattening values;
-    flattenApp(project.app, values);
-    for (const auto& [platform, listing] : project.platforms) flattenPlatform(platform, listing, values);
-    flattenProductPages(project, values);
+    flattenApp(app, values);
+    for (const auto& [platform, listing] : platforms) flattenPlatform(platform, listing, values);
+    flattenProductPages(pages, experiments, values);
     return std::move(values).take();
 }
 

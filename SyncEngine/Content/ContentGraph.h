@@ -27,6 +27,10 @@ namespace ContentGraph {
 
 // Every value of the project. Fields are taken where they are stored, also one of the other level.
 FlatValues flatten(const Project& project);
+// The same for content that isn't part of a project.
+FlatValues flatten(const AppListing& app, const std::map<StorePlatform, PlatformListing>& platforms,
+                   const std::map<Slug, CustomProductPage>& pages,
+                   const std::map<Slug, Experiment>& experiments);
 
 // The value of one key as flatten() renders it; "" when there is none.
 std::string value(const ContentKey& key, const Project& project);

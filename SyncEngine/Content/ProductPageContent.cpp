@@ -274,9 +274,10 @@ void copyItems(const Placements& key, const Project& source, Project& destinatio
 
 }  // namespace
 
-void flattenProductPages(const Project& project, Flattening& values) {
-    for (const auto& [slug, page] : project.pages) flattenPage(slug, page, values);
-    for (const auto& [slug, experiment] : project.experiments) flattenExperiment(slug, experiment, values);
+void flattenProductPages(const std::map<Slug, CustomProductPage>& pages,
+                         const std::map<Slug, Experiment>& experiments, Flattening& values) {
+    for (const auto& [slug, page] : pages) flattenPage(slug, page, values);
+    for (const auto& [slug, experiment] : experiments) flattenExperiment(slug, experiment, values);
 }
 
 std::optional<std::string> productPageValue(const ContentKey& key, const Project& project) {

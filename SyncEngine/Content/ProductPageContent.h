@@ -12,7 +12,8 @@
 namespace kestrin::ContentGraph {
 
 // Adds the values of all pages and tests.
-void flattenProductPages(const Project& project, Flattening& values);
+void flattenProductPages(const std::map<Slug, CustomProductPage>& pages,
+                         const std::map<Slug, Experiment>& experiments, Flattening& values);
 
 // Nothing for a key of the default product page; for any other its value, "" when there is none.
 std::optional<std::string> productPageValue(const ContentKey& key, const Project& project);

@@ -72,11 +72,9 @@ PullResult mergeValues(Project local, const RemoteListing& remote, const std::op
     const auto remoteProject = remote.project();
     const auto localValues = ContentGraph::flatten(local);
     PullResult result{std::move(local), {}, {}, ContentGraph::flatten(remoteProject)};
-    const FlatValues none;
-    for (const auto& key : FlatValue::keys({&localValues, &result.base, base ? &*base : &none})) {
-        const auto& localValue = FlatValue::of(key, localValues);
-        const auto& remoteValue = FlatValue::of(key, result.base);
-        switch (outcomeOf(localValue, remoteValue, base ? &FlatValue::of(key, *base) : nullptr)) {
+    const auto take = [&](const ContentKey& key, const std::string& here, const std::string& there,
+                          const std::string& agreed) {
+        switch (outcomeOf(here, there, base ? &agreed : nullptr)) {
             case Outcome::same:
             case Outcome::keepLocal:
                 break;
@@ -85,10 +83,12 @@ PullResult mergeValues(Project local, const RemoteListing& remote, const std::op
                 result.updatedKeys.push_back(key);
                 break;
             case Outcome::conflict:
-                result.conflicts.push_back({key, localValue, remoteValue});
+                result.conflicts.push_back({key, here, there});
                 break;
         }
-    }
+    };
+    const FlatValues none;
+    FlatValue::forEach(localValues, result.base, base ? *base : none, take);
     return result;
 }
 

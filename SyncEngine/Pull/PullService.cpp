@@ -174,8 +174,11 @@ void PullService::fetchTreatment(const ASCTreatment& treatment, Treatment& conte
 }
 
 PullService::Slots PullService::placements(const PlacementParent& parent, RemoteListing& listing) const {
-    const auto list = ASC::placements(client_, parent);
-    for (const auto& asset : list.assets) listing.assets.insert_or_assign(asset.id, asset);
+    auto list = ASC::placements(client_, parent);
+    for (auto& asset : list.assets) {
+        auto& known = listing.assets[asset.id];
+        known = std::move(asset);
+    }
     Slots slots;
     for (const auto& placement : list.placements) {
         if (!placement.assetID) continue;

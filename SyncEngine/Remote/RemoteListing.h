@@ -30,7 +30,7 @@ struct RemoteListing {
     Project project() const;
 
     // The content as keyed values.
-    FlatValues values() const { return ContentGraph::flatten(project()); }
+    FlatValues values() const { return ContentGraph::flatten(app, platforms, pages, experiments); }
 
     bool operator==(const RemoteListing&) const = default;
 };

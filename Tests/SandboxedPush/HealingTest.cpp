@@ -221,11 +221,11 @@ class Healing : public testing::TestWithParam<Trouble> {
         const auto values = remote.values();
         const auto base = stage.store().base(id);
         ASSERT_TRUE(base);
-        for (const auto& key : FlatValue::keys({&expected.baseBefore, &*base})) {
-            const auto& remembered = FlatValue::of(key, *base);
-            if (remembered == FlatValue::of(key, expected.baseBefore)) continue;
-            EXPECT_EQ(remembered, FlatValue::of(key, values)) << key;
-        }
+        FlatValue::forEach(expected.baseBefore, *base, values,
+                           [](const ContentKey& key, const std::string& before, const std::string& remembered,
+                              const std::string& there) {
+                               if (remembered != before) EXPECT_EQ(remembered, there) << key;
+                           });
         const auto ids = stage.store().remoteIDs(id);
         EXPECT_TRUE(ids == remote.ids || (!isReadBack && ids == expected.idsBefore));
         EXPECT_TRUE(!isReadBack || (*base != expected.baseBefore) == (ticksIn(ended.output) > 0));

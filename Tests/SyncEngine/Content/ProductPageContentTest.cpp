@@ -39,8 +39,9 @@ TEST(ProductPageContent, SettlesKeysOfPagesAndTestsAlsoWhenThereIsNothing) {
 }
 
 TEST(ProductPageContent, FlattensPagesAndTestsOnly) {
+    const auto project = sample::project();
     ContentGraph::Flattening flattening;
-    ContentGraph::flattenProductPages(sample::project(), flattening);
+    ContentGraph::flattenProductPages(project.pages, project.experiments, flattening);
     const auto values = std::move(flattening).take();
 
     ASSERT_EQ(values.size(), 11u);
