@@ -133,6 +133,17 @@ TEST(EditScript, TakesALongSequenceAndAShortOne) {
     EXPECT_EQ(EditScript::shortest({4999}, numbers), (EditScript{{false}, allButTheLast}));
 }
 
+// Of an element that occurs twice over there, far apart, one alone can stay; in between nothing is common.
+TEST(EditScript, KeepsAnElementOnceThatOccursFarApart) {
+    Numbers from(300), to(300);
+    std::iota(from.begin(), from.end(), 1000);
+    std::iota(to.begin(), to.end(), 2000);
+    from[10] = to[0] = to[150] = to[290] = 1;
+    const auto script = EditScript::shortest(from, to);
+    EXPECT_EQ(editsOf(script), 598u);
+    EXPECT_EQ(script, byDefinition(from, to));
+}
+
 RC_GTEST_PROP(EditScript, IsTheOneOfTheAlgorithmsDefinition, ()) {
     const auto from = *fewDifferentNumbers();
     const auto to = *fewDifferentNumbers();

@@ -153,6 +153,14 @@ TEST(BuildUploader, APackageHasATypeOfItsOwn) {
     EXPECT_NE(world.api.body(1).find(R"("uti" : "com.apple.pkg")"), std::string::npos);
 }
 
+TEST(BuildUploader, ANameThatIsNoTextIsRepaired) {
+    World world(scriptFor(operation(0, 6), {reply(200)}));
+    world.folder.write("App\xFF.ipa", "abcdef");
+    world.file = world.folder / "App\xFF.ipa";
+    world.upload();
+    EXPECT_NE(world.api.body(1).find(R"("fileName" : "App�.ipa")"), std::string::npos);
+}
+
 TEST(BuildUploader, SendsTheRangesInTheOrderGivenWithTheirHeaders) {
     World world(scriptFor(operation(4, 2) + "," + operation(0, 2) + "," + operation(2, 2),
                           {reply(200), reply(200), reply(200)}));
@@ -235,6 +243,12 @@ TEST(BuildUploader, AFileThatChangesWhileItIsSentIsAnErrorOfItsOwn) {
     const std::pair<const char*, Change> changes[] = {
         {"it is written to", [](World& world) { world.folder.write("App.ipa", "ABCDEF"); }},
         {"it grows", [](World& world) { world.folder.write("App.ipa", "abcdefg"); }},
+        {"it grows, and says that it didn't",
+         [](World& world) {
+             const auto before = std::filesystem::last_write_time(world.file);
+             world.folder.write("App.ipa", "abcdefg");
+             std::filesystem::last_write_time(world.file, before);
+         }},
         {"it shrinks", [](World& world) { world.folder.write("App.ipa", "abc"); }},
         {"another one takes its place",
          [](World& world) {

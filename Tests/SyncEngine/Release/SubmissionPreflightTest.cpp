@@ -242,6 +242,12 @@ TEST(SubmissionPreflight, EveryLocaleHasTheRequiredText) {
              [](auto& v) { v.project.setValue("Nom", ListingField::subtitle, {"it"}, v.platform); },
              "passed"},
             {"no locales but a primary one", [](auto& v) { v.project.manifest.locales.clear(); }, "passed"},
+            {"no locales but a primary one without a privacy policy",
+             [](auto& v) {
+                 v.project.manifest.locales.clear();
+                 v.project.app.locales.clear();
+             },
+             "failed: de-DE: privacyPolicyUrl"},
         });
 }
 
