@@ -25,7 +25,8 @@ if(LLD)
 endif()
 
 add_library(kestrin_options INTERFACE)
-target_compile_options(kestrin_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+# Some libraries ask for -pthread, and a precompiled header serves only who says the same of threads.
+target_compile_options(kestrin_options INTERFACE -pthread -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(kestrin_options INTERFACE -fpch-preprocess)
     if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
@@ -41,8 +42,8 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND CCACHE)
     target_compile_options(kestrin_options INTERFACE "SHELL:-Xclang -fno-pch-timestamp")
 endif()
 if(KESTRIN_SANITIZE)
-    # -O1 keeps the instrumented suite quick; frame pointers keep its reports readable.
-    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+    # Frame pointers keep the reports readable.
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
 endif()
 if(KESTRIN_COVERAGE)
@@ -68,6 +69,11 @@ function(kestrin_module name)
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
     target_link_libraries(${name} PUBLIC ${ARG_PUBLIC_LIBRARIES} PRIVATE kestrin_options ${ARG_PRIVATE_LIBRARIES})
     set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    if(KESTRIN_SANITIZE)
+        # The tests themselves are not optimised: that takes their compiler twice as long and gains little.
+        target_compile_options(${name} PRIVATE -O1)
+    endif()
     target_precompile_headers(${name} PRIVATE
-        <algorithm> <cstdint> <functional> <map> <memory> <optional> <string> <string_view> <utility> <variant> <vector>)
+        <algorithm> <chrono> <cstdint> <filesystem> <functional> <map> <memory> <optional> <span> <sstream> <stop_token>
+        <string> <string_view> <utility> <variant> <vector>)
 endfunction()

@@ -254,9 +254,10 @@ RC_GTEST_PROP(ContentKeyProperties, AnIDParsesToItsKey, ()) {
 }
 
 RC_GTEST_PROP(ContentKeyProperties, AParsedKeyHasTheIDItWasParsedFrom, ()) {
-    const auto parts = *rc::gen::container<std::vector<std::string>>(generated::oneOf<std::string>(
-        {"app", "pages", "experiments", "treatments", "media", "version", "review", "IOS", "name", "notes",
-         "description", "promotionalText", "copyright", "primaryCategory", "", "x"}));
+    const auto parts =
+        *rc::gen::container<std::vector<std::string>>(rc::gen::elementOf<std::vector<std::string>>(
+            {"app", "pages", "experiments", "treatments", "media", "version", "review", "IOS", "name",
+             "notes", "description", "promotionalText", "copyright", "primaryCategory", "", "x"}));
     std::string id;
     for (const auto& part : parts) id += (id.empty() ? "" : "/") + part;
 
