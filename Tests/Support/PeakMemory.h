@@ -22,9 +22,9 @@ namespace kestrin {
 #ifdef KESTRIN_ADDRESS_SANITIZER
 // The address sanitizer surrounds every allocation with guards, and keeps up to 256 MB of what was freed and
 // the shadow of it all.
-inline constexpr std::size_t memoryFactor = 12;
+inline constexpr std::size_t memoryFactor = 12, keptOfWhatWasFreed = std::size_t{256} << 20;
 #else
-inline constexpr std::size_t memoryFactor = 1;
+inline constexpr std::size_t memoryFactor = 1, keptOfWhatWasFreed = 0;
 #endif
 
 // In bytes beyond what the process had before, as the kernel counts pages. Code that throws is an error of the test.

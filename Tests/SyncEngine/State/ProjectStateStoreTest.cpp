@@ -139,7 +139,8 @@ TEST_F(ProjectStateStoreTest, SavingManyAssetsTakesNoMemoryForAllOfThemAtOnce) {
         asset.thumbnail = ImageTemplate{"https://example.com/" + asset.id + "/{w}x{h}.{f}", 1290, 2796};
     }
     const auto peak = peakMemoryOf([&] { store.saveRemoteAssets(assets, kProject); });
-    EXPECT_LT(peak, memoryFactor * (4u << 20));
+    // Under the address sanitizer whatever was freed on the way counts, too.
+    EXPECT_LT(peak, (std::size_t{4} << 20) + keptOfWhatWasFreed);
     EXPECT_GT(std::filesystem::file_size(folder / file("remote-assets.json")), std::uintmax_t{10} << 20);
     EXPECT_EQ(store.remoteAssets(kProject), assets);
 }
