@@ -29,4 +29,8 @@ std::string BuildArchiveError::errorDescription() const {
         "that was exported for the App Store.");
 }
 
+void failMalformed() {
+    throw BuildArchiveError(BuildArchiveError::Kind::malformed);
+}
+
 }  // namespace kestrin

@@ -20,4 +20,7 @@ class BuildArchiveError : public Error {
     Kind kind;
 };
 
+// Throws the error of Kind::malformed.
+[[noreturn]] void failMalformed();
+
 }  // namespace kestrin

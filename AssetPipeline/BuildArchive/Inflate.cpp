@@ -10,10 +10,6 @@
 namespace kestrin::Inflate {
 namespace {
 
-[[noreturn]] void failMalformed() {
-    throw BuildArchiveError(BuildArchiveError::Kind::malformed);
-}
-
 // A copy of 258 bytes takes two bits at least.
 constexpr std::uint64_t kMostExpansion = 1032;
 

@@ -10,10 +10,6 @@
 namespace kestrin {
 namespace {
 
-[[noreturn]] void failMalformed() {
-    throw BuildArchiveError(BuildArchiveError::Kind::malformed);
-}
-
 std::optional<std::string> textOf(plist_t node) {
     if (node == nullptr || plist_get_node_type(node) != PLIST_STRING) return std::nullopt;
     std::uint64_t length = 0;

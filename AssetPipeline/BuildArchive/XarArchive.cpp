@@ -14,10 +14,6 @@ namespace {
 constexpr std::string_view kSignature = "xar!";
 constexpr std::uint64_t kHeadSize = 28;
 
-[[noreturn]] void failMalformed() {
-    throw BuildArchiveError(BuildArchiveError::Kind::malformed);
-}
-
 std::uint64_t number(std::string_view bytes, std::size_t offset, std::size_t size) {
     return integerOf(bytes.substr(offset, size), ByteOrder::bigEndian);
 }

@@ -17,10 +17,6 @@ constexpr std::string_view kEndSignature = "PK\x05\x06", kZip64LocatorSignature 
                            kZip64Signature = "PK\x06\x06", kDirectorySignature = "PK\x01\x02";
 constexpr std::uint64_t kSaidElsewhere16 = 0xFFFF, kSaidElsewhere32 = 0xFFFFFFFF;
 
-[[noreturn]] void failMalformed() {
-    throw BuildArchiveError(BuildArchiveError::Kind::malformed);
-}
-
 std::uint64_t number(std::string_view bytes, std::size_t offset, std::size_t size) {
     return integerOf(bytes.substr(offset, size), ByteOrder::littleEndian);
 }
