@@ -106,6 +106,9 @@ bool initialise() {
     // What is wrong with a file is said once, by whoever asked.
     g_log_set_handler("VIPS", kAllBelowErrors, dropMessage, nullptr);
     if (VIPS_INIT("kestrin") != 0) return false;
+    // With several threads the error of one that finds the file's end too early is lost now and then, and half an image
+    // passes for a whole one.
+    vips_concurrency_set(1);
     vips_cache_set_max(0);  // no image is looked at twice; the cache would keep the pixels of each
     vips_operation_block_set("VipsForeignLoad", TRUE);
     for (const auto* loader : {"VipsForeignLoadPng", "VipsForeignLoadJpeg", "VipsForeignLoadHeif",
