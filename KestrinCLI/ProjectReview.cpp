@@ -14,9 +14,8 @@ void noteCutUploads(const PushReview& review, Console& console) {
     for (const auto& [id, asset] : review.assetsAwaitingUpload()) {
         console.note(message::localized(
             "noteAwaitingUpload",
-            "App Store Connect still waits for the bytes of {fileName}. If nobody is uploading it now, an "
-            "earlier "
-            "upload was cut: remove {fileName} from the app’s media there, and push again.",
+            "App Store Connect still waits for the bytes of {fileName}. If nobody is uploading it now, "
+            "an earlier upload was cut: remove {fileName} from the app’s media there, and push again.",
             {{"fileName", asset.fileName}}));
     }
 }
