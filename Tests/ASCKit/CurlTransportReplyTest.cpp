@@ -18,6 +18,9 @@ TEST_F(CurlTransportReplyTest, AReplyOfAnyStatusIsAReply) {
         const RawServer server(answering(log, rawReply("b", "", status)));
         EXPECT_EQ(outcome(request(server)), std::string("ok ") + std::string(status).substr(0, 3) + " b");
     }
+}
+
+TEST_F(CurlTransportReplyTest, AReplyWithoutABodyLeavesItsConnectionOpen) {
     const RawServer server(answering(log, "HTTP/1.1 204 No Content\r\n\r\n"));
     EXPECT_EQ(outcome(request(server)), "ok 204 ");
     EXPECT_EQ(outcome(request(server)), "ok 204 ");
