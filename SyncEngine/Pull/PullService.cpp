@@ -1,9 +1,12 @@
 #include "SyncEngine/Pull/PullService.h"
 
 #include <map>
+#include <string_view>
+#include <unordered_map>
 
 #include "ASCKit/Resources/Apps.h"
 #include "ASCKit/Resources/AttributeReading.h"
+#include "SyncEngine/Pull/AssetsSeen.h"
 #include "SyncEngine/Pull/CurrentVersion.h"
 
 namespace kestrin {
@@ -38,6 +41,15 @@ void store(PullService::Slots slots, const StoreLocale& locale, LocalizedMedia& 
     placements.insert_or_assign(locale, std::move(slots.ids));
 }
 
+// The file names of the assets that a reply includes: nearly always all that its placements name.
+std::unordered_map<std::string_view, std::string_view> fileNames(
+    const std::vector<ASCLibraryAsset>& included) {
+    std::unordered_map<std::string_view, std::string_view> names;
+    names.reserve(included.size());
+    for (const auto& asset : included) names.insert_or_assign(asset.id, asset.fileName);
+    return names;
+}
+
 }  // namespace
 
 const std::set<std::string> PullService::finishedExperimentStates = {"COMPLETED", "STOPPED"};
@@ -48,8 +60,11 @@ RemoteListing PullService::fetch(const std::string& appID, ProductPageSlugs slug
     const auto app = ASC::appWithID(client_, appID);
     if (app && app->primaryLocale) listing.primaryLocale = StoreLocale{*app->primaryLocale};
     fetchAppInfo(appID, listing);
-    fetchVersions(appID, listing);
-    fetchProductPages(appID, slugs, listing);
+    AssetsSeen assets(listing.assets);
+    fetchVersions(appID, listing, assets);
+    fetchPages(appID, slugs, listing, assets);
+    fetchExperiments(appID, slugs, listing, assets);
+    assets.finish();
     return listing;
 }
 
@@ -67,13 +82,15 @@ void PullService::fetchAppInfo(const std::string& appID, RemoteListing& listing)
     }
 }
 
-void PullService::fetchVersions(const std::string& appID, RemoteListing& listing) const {
+void PullService::fetchVersions(const std::string& appID, RemoteListing& listing, AssetsSeen& assets) const {
     for (const auto& [platform, versions] : byPlatform(ASC::appStoreVersions(client_, appID))) {
-        if (const auto version = CurrentVersion::currentVersion(versions)) fetchVersion(*version, listing);
+        if (const auto version = CurrentVersion::currentVersion(versions))
+            fetchVersion(*version, listing, assets);
     }
 }
 
-void PullService::fetchVersion(const ASCAppStoreVersion& version, RemoteListing& listing) const {
+void PullService::fetchVersion(const ASCAppStoreVersion& version, RemoteListing& listing,
+                               AssetsSeen& assets) const {
     PlatformListing content;
     content.version.versionString = version.versionString;
     content.version.copyright = version.copyright;
@@ -85,7 +102,7 @@ void PullService::fetchVersion(const ASCAppStoreVersion& version, RemoteListing&
         const StoreLocale locale{localization.locale};
         Texts::setFields(content.locales, locale, fields(ListingFields::version, localization));
         remote.localizations[locale] = localization.id;
-        store(placements({PlacementParent::Kind::versionLocalization, localization.id}, listing), locale,
+        store(placements({PlacementParent::Kind::versionLocalization, localization.id}, assets), locale,
               content.media, remote.placements);
     }
     if (const auto detail = ASC::reviewDetail(client_, version.id)) {
@@ -100,21 +117,23 @@ void PullService::fetchVersion(const ASCAppStoreVersion& version, RemoteListing&
 
 void PullService::fetchProductPages(const std::string& appID, ProductPageSlugs& slugs,
                                     RemoteListing& listing) const {
-    fetchPages(appID, slugs, listing);
-    fetchExperiments(appID, slugs, listing);
+    AssetsSeen assets(listing.assets);
+    fetchPages(appID, slugs, listing, assets);
+    fetchExperiments(appID, slugs, listing, assets);
+    assets.finish();
 }
 
-void PullService::fetchPages(const std::string& appID, ProductPageSlugs& slugs,
-                             RemoteListing& listing) const {
+void PullService::fetchPages(const std::string& appID, ProductPageSlugs& slugs, RemoteListing& listing,
+                             AssetsSeen& assets) const {
     for (const auto& page : listOrNone([&] { return ASC::customProductPages(client_, appID); })) {
         const auto version =
             CurrentVersion::currentPageVersion(ASC::customProductPageVersions(client_, page.id));
-        if (version) fetchPage(page, *version, slugs.pages.slug(page.id, page.name), listing);
+        if (version) fetchPage(page, *version, slugs.pages.slug(page.id, page.name), listing, assets);
     }
 }
 
 void PullService::fetchPage(const ASCCustomProductPage& page, const ASCCustomProductPageVersion& version,
-                            const Slug& slug, RemoteListing& listing) const {
+                            const Slug& slug, RemoteListing& listing, AssetsSeen& assets) const {
     CustomProductPage content;
     content.name = page.name;
     content.visible = page.visible;
@@ -130,15 +149,15 @@ void PullService::fetchPage(const ASCCustomProductPage& page, const ASCCustomPro
         const auto& text = localization.promotionalText;
         if (text && !text->empty()) content.promotionalText[locale] = *text;
         remote.localizations[locale] = localization.id;
-        store(placements({PlacementParent::Kind::customPageLocalization, localization.id}, listing), locale,
+        store(placements({PlacementParent::Kind::customPageLocalization, localization.id}, assets), locale,
               content.media, remote.placements);
     }
     listing.pages.insert_or_assign(slug, CustomProductPage::made(std::move(content)));
     listing.ids.pages.insert_or_assign(slug, std::move(remote));
 }
 
-void PullService::fetchExperiments(const std::string& appID, ProductPageSlugs& slugs,
-                                   RemoteListing& listing) const {
+void PullService::fetchExperiments(const std::string& appID, ProductPageSlugs& slugs, RemoteListing& listing,
+                                   AssetsSeen& assets) const {
     for (const auto& experiment : listOrNone([&] { return ASC::experiments(client_, appID); })) {
         if (finishedExperimentStates.contains(experiment.state)) continue;
         const auto slug = slugs.experiments.slug(experiment.id, experiment.name);
@@ -153,13 +172,13 @@ void PullService::fetchExperiments(const std::string& appID, ProductPageSlugs& s
         for (const auto& treatment : ASC::treatments(client_, experiment.id)) {
             const auto treatmentSlug = treatmentSlugs.slug(treatment.id, treatment.name);
             fetchTreatment(treatment, content.treatments[treatmentSlug], remote.treatments[treatmentSlug],
-                           listing);
+                           assets);
         }
     }
 }
 
 void PullService::fetchTreatment(const ASCTreatment& treatment, Treatment& content, RemoteTreatment& remote,
-                                 RemoteListing& listing) const {
+                                 AssetsSeen& assets) const {
     content.name = treatment.name;
     content.appIconName = treatment.appIconName;
     remote.id = treatment.id;
@@ -167,27 +186,33 @@ void PullService::fetchTreatment(const ASCTreatment& treatment, Treatment& conte
         const StoreLocale locale{localization.locale};
         content.locales.push_back(locale);
         remote.localizations[locale] = localization.id;
-        store(placements({PlacementParent::Kind::treatmentLocalization, localization.id}, listing), locale,
+        store(placements({PlacementParent::Kind::treatmentLocalization, localization.id}, assets), locale,
               content.media, remote.placements);
     }
     content = Treatment::made(std::move(content));
 }
 
 PullService::Slots PullService::placements(const PlacementParent& parent, RemoteListing& listing) const {
+    AssetsSeen assets(listing.assets);
+    auto slots = placements(parent, assets);
+    assets.finish();
+    return slots;
+}
+
+PullService::Slots PullService::placements(const PlacementParent& parent, AssetsSeen& assets) const {
     auto list = ASC::placements(client_, parent);
-    for (auto& asset : list.assets) {
-        auto& known = listing.assets[asset.id];
-        known = std::move(asset);
-    }
+    const auto included = fileNames(list.assets);
     Slots slots;
-    for (const auto& placement : list.placements) {
+    for (auto& placement : list.placements) {
         if (!placement.assetID) continue;
         const PlacementSlot slot{placement.group, placement.type};
-        const auto asset = listing.assets.find(*placement.assetID);
-        auto fileName = asset == listing.assets.end() ? "" : asset->second.fileName;
-        slots.items[slot].push_back(MediaItem::remote(*placement.assetID, std::move(fileName)));
-        slots.ids[slot.description()].push_back(placement.id);
+        const auto name = included.find(*placement.assetID);
+        auto fileName =
+            name == included.end() ? assets.fileName(*placement.assetID) : std::string(name->second);
+        slots.items[slot].push_back(MediaItem::remote(*std::move(placement.assetID), std::move(fileName)));
+        slots.ids[slot.description()].push_back(std::move(placement.id));
     }
+    for (auto& asset : list.assets) assets.add(std::move(asset));
     return slots;
 }
 

@@ -30,6 +30,8 @@
 
 namespace kestrin {
 
+class AssetsSeen;
+
 class PullService {
  public:
     // Tests in these states are over: they get no slug and don't exist for a project.
@@ -62,14 +64,17 @@ class PullService {
 
  private:
     void fetchAppInfo(const std::string& appID, RemoteListing& listing) const;
-    void fetchVersions(const std::string& appID, RemoteListing& listing) const;
-    void fetchVersion(const ASCAppStoreVersion& version, RemoteListing& listing) const;
-    void fetchPages(const std::string& appID, ProductPageSlugs& slugs, RemoteListing& listing) const;
+    void fetchVersions(const std::string& appID, RemoteListing& listing, AssetsSeen& assets) const;
+    void fetchVersion(const ASCAppStoreVersion& version, RemoteListing& listing, AssetsSeen& assets) const;
+    void fetchPages(const std::string& appID, ProductPageSlugs& slugs, RemoteListing& listing,
+                    AssetsSeen& assets) const;
     void fetchPage(const ASCCustomProductPage& page, const ASCCustomProductPageVersion& version,
-                   const Slug& slug, RemoteListing& listing) const;
-    void fetchExperiments(const std::string& appID, ProductPageSlugs& slugs, RemoteListing& listing) const;
+                   const Slug& slug, RemoteListing& listing, AssetsSeen& assets) const;
+    void fetchExperiments(const std::string& appID, ProductPageSlugs& slugs, RemoteListing& listing,
+                          AssetsSeen& assets) const;
     void fetchTreatment(const ASCTreatment& treatment, Treatment& content, RemoteTreatment& remote,
-                        RemoteListing& listing) const;
+                        AssetsSeen& assets) const;
+    Slots placements(const PlacementParent& parent, AssetsSeen& assets) const;
 
     ASCClient& client_;
 };
