@@ -77,13 +77,6 @@ void parseIDs(benchmark::State& state) {
 }
 BENCHMARK(parseIDs)->ArgName("times")->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
-void flattenDoubled(benchmark::State& state) {
-    const std::map<int, Project> projects = {{1, listing(1)}, {2, listing(2)}};
-    reportRatioWhenDoubled(
-        state, [&](int times) { benchmark::DoNotOptimize(ContentGraph::flatten(projects.at(times))); });
-}
-BENCHMARK(flattenDoubled)->Unit(benchmark::kMillisecond);
-
 void sortKeysDoubled(benchmark::State& state) {
     const std::map<int, Keys> shuffled = {{1, shuffledKeys(1)}, {2, shuffledKeys(2)}};
     reportRatioWhenDoubled(state, [&](int times) {

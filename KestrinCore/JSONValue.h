@@ -2,10 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <variant>
 #include <vector>
+
+#include "KestrinCore/FlatMap.h"
 
 namespace kestrin {
 
@@ -15,7 +16,7 @@ using JSONArray = std::vector<JSONValue>;
 
 // Members in ascending byte order of their names. Names are the same only when their bytes are: a document may
 // hold a composed and a decomposed spelling side by side, and neither may be lost.
-using JSONObject = std::map<std::string, JSONValue>;
+using JSONObject = FlatMap<std::string, JSONValue>;
 
 // One of: string, signed 64-bit integer, 64-bit floating point number, boolean, array, object, null.
 // A number without a fraction that fits 64 bits is always an integer when it comes out of a document (1.0 and 1e3
@@ -44,6 +45,7 @@ class JSONValue {
     const JSONArray* arrayValue() const;
     JSONObject* objectValue();
     JSONArray* arrayValue();
+    std::string* stringValue() { return std::get_if<std::string>(&storage_); }
 
     bool isNull() const { return std::holds_alternative<std::monostate>(storage_); }
 

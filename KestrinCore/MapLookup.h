@@ -1,27 +1,25 @@
 // Looking a value up without making it.
 #pragma once
 
-#include <map>
-
 namespace kestrin {
 
 // The value under `key`, valid as long as the entry is there; nullptr when there is none.
-template <class Key, class Value, class Order>
-const Value* valueIn(const std::map<Key, Value, Order>& map, const Key& key) {
+template <class Map>
+const typename Map::mapped_type* valueIn(const Map& map, const typename Map::key_type& key) {
     const auto found = map.find(key);
     return found == map.end() ? nullptr : &found->second;
 }
 
-template <class Key, class Value, class Order>
-Value* valueIn(std::map<Key, Value, Order>& map, const Key& key) {
+template <class Map>
+typename Map::mapped_type* valueIn(Map& map, const typename Map::key_type& key) {
     const auto found = map.find(key);
     return found == map.end() ? nullptr : &found->second;
 }
 
 // The value under `key`; an empty one, which lives as long as the program, when there is none.
-template <class Key, class Value, class Order>
-const Value& valueOrEmpty(const std::map<Key, Value, Order>& map, const Key& key) {
-    static const Value kEmpty{};
+template <class Map>
+const typename Map::mapped_type& valueOrEmpty(const Map& map, const typename Map::key_type& key) {
+    static const typename Map::mapped_type kEmpty{};
     const auto* value = valueIn(map, key);
     return value ? *value : kEmpty;
 }

@@ -3,25 +3,13 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <nlohmann/json.hpp>
 
+#include "KestrinCore/ExactInteger.h"
 #include "KestrinCore/Message.h"
 #include "KestrinCore/UnicodeText.h"
 
 namespace kestrin::StableJSON {
 namespace {
-
-constexpr double kTwoTo63 = 9223372036854775808.0;
-
-// The integer that `number` is, if it is one of 64 bits. 2^63 itself isn't, hence "<".
-std::optional<std::int64_t> exactInteger(double number) {
-    if (!(number >= -kTwoTo63 && number < kTwoTo63)) return std::nullopt;
-    const auto integer = static_cast<std::int64_t>(number);
-    if (static_cast<double>(integer) != number) return std::nullopt;
-    return integer;
-}
-
-// Writing
 
 // What an ObjectWriter collects before it hands it over.
 constexpr std::size_t kPiece = std::size_t{64} << 10;
@@ -161,83 +149,6 @@ class Writer {
     bool pretty_;
 };
 
-// Reading
-
-std::string notJSON(std::size_t position) {
-    return "not a JSON document (byte " + std::to_string(position) + ")";
-}
-
-class Reader : public nlohmann::json_sax<nlohmann::json> {
- public:
-    JSONValue result;
-    std::string problem;
-
-    bool null() override { return put(JSONValue()); }
-    bool boolean(bool value) override { return put(JSONValue(value)); }
-    bool number_integer(number_integer_t value) override { return put(JSONValue(std::int64_t{value})); }
-    bool number_unsigned(number_unsigned_t value) override {
-        if (std::in_range<std::int64_t>(value)) return put(JSONValue(static_cast<std::int64_t>(value)));
-        return put(JSONValue(static_cast<double>(value)));
-    }
-    bool number_float(number_float_t value, const string_t& digits) override {
-        // Digits alone come here only when they are too many for 64 bits; what they were rounded to may fit again.
-        const bool isTooLarge = digits.find_first_of(".eE") == std::string::npos;
-        if (const auto integer = exactInteger(value); integer && !isTooLarge) return put(JSONValue(*integer));
-        return put(JSONValue(value));
-    }
-    bool string(string_t& value) override { return put(JSONValue(std::move(value))); }
-    bool binary(binary_t&) override { return false; }
-    bool start_object(std::size_t) override { return enter(JSONValue(JSONObject())); }
-    bool key(string_t& value) override {
-        open_.back().key = std::move(value);
-        return true;
-    }
-    bool end_object() override { return leave(); }
-    bool start_array(std::size_t) override { return enter(JSONValue(JSONArray())); }
-    bool end_array() override { return leave(); }
-    bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception&) override {
-        problem = notJSON(position);
-        return false;
-    }
-
- private:
-    struct Level {
-        JSONValue container;
-        std::string key;  // of the member being read, in an object
-    };
-
-    bool put(JSONValue value) {
-        if (open_.empty()) {
-            result = std::move(value);
-            return true;
-        }
-        auto& level = open_.back();
-        if (auto* array = level.container.arrayValue()) {
-            array->push_back(std::move(value));
-        } else {
-            level.container.objectValue()->insert_or_assign(std::move(level.key), std::move(value));
-        }
-        return true;
-    }
-
-    bool enter(JSONValue container) {
-        if (open_.size() >= kMaximumDepth) {
-            problem = "nested too deep";
-            return false;
-        }
-        open_.push_back({std::move(container), {}});
-        return true;
-    }
-
-    bool leave() {
-        auto container = std::move(open_.back().container);
-        open_.pop_back();
-        return put(std::move(container));
-    }
-
-    std::vector<Level> open_;
-};
-
 }  // namespace
 
 std::string EncodingError::errorDescription() const {
@@ -272,16 +183,6 @@ std::string encodeCompact(const JSONValue& value) {
     std::string out;
     Writer(out, false).write(value, 0);
     return out;
-}
-
-JSONValue decode(std::string_view bytes) {
-    // The parser would take NUL for the end and never look at what stands behind it.
-    if (const auto nul = bytes.find('\0'); nul != std::string_view::npos)
-        throw DecodingError({}, notJSON(nul + 1));
-    Reader reader;
-    if (!nlohmann::json::sax_parse(bytes.begin(), bytes.end(), &reader))
-        throw DecodingError({}, reader.problem);
-    return std::move(reader.result);
 }
 
 }  // namespace kestrin::StableJSON

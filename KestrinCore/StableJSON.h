@@ -16,6 +16,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 #include "KestrinCore/JSONDecoding.h"
 #include "KestrinCore/JSONValue.h"
@@ -67,6 +68,11 @@ std::string encodeCompact(const JSONValue& value);
 // than 64 bits. Throws DecodingError for anything else, text that isn't UTF-8, a number outside
 // the range of a double, and nesting deeper than kMaximumDepth included.
 JSONValue decode(std::string_view bytes);
+// The same for who needs only some members of a large document: those below the outermost object whose names aren't among
+// `names` may be missing from the value, which then takes less time and memory. They have to be JSON all the same.
+using MemberNames = std::unordered_set<std::string_view>;
+JSONValue decodeOnly(const MemberNames& names, std::string_view bytes);
+
 template <JSONDecodable T>
 T decode(std::string_view bytes) {
     return T::fromJSON(decode(bytes));

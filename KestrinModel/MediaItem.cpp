@@ -27,9 +27,18 @@ MediaItem MediaItem::file(std::string path) {
 }
 
 std::string MediaItem::token() const {
+    const auto [prefix, rest] = tokenPieces();
+    return std::string(prefix).append(rest);
+}
+
+MediaItem::TokenPieces MediaItem::tokenPieces() const {
     return std::visit(Overloaded{
-                          [](const Remote& remote) { return std::string(kAssetPrefix) + remote.assetID; },
-                          [](const File& file) { return std::string(kFilePrefix) + file.path; },
+                          [](const Remote& remote) {
+                              return TokenPieces{kAssetPrefix, remote.assetID};
+                          },
+                          [](const File& file) {
+                              return TokenPieces{kFilePrefix, file.path};
+                          },
                       },
                       kind_);
 }

@@ -38,6 +38,12 @@ class MediaItem {
     // "asset:" and the asset ID, or "file:" and the path. The file name of an asset is no part of it.
     std::string token() const;
 
+    // The same in its pieces, for whoever joins the tokens of many items. Valid as long as the item.
+    struct TokenPieces {
+        std::string_view prefix, rest;
+    };
+    TokenPieces tokenPieces() const;
+
     // The item with this token; nothing for a text that begins with neither "asset:" nor "file:". `fileName` is
     // for assets; a file's name is in its path.
     static std::optional<MediaItem> fromToken(std::string_view token, std::string fileName);

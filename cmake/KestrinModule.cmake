@@ -30,11 +30,11 @@ target_compile_options(kestrin_options INTERFACE -pthread -Wall -Wextra -Wpedant
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(kestrin_options INTERFACE -fpch-preprocess)
     if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-        # Said of correct code once the optimiser has inlined it: that "literal" + std::string overlaps itself or
-        # copies too much (GCC bugs 105651, 105329), and that the move of a std::variant reads the alternatives that
+        # Said of correct code once the optimiser has inlined it: that "literal" + std::string overlaps itself, copies
+        # too much or reads too much (GCC bugs 105651, 105329), and that the move of a std::variant reads the alternatives that
         # it doesn't hold (GCC bug 105593 and its kin).
         target_compile_options(kestrin_options INTERFACE
-            -Wno-restrict -Wno-stringop-overflow -Wno-maybe-uninitialized)
+            -Wno-restrict -Wno-stringop-overflow -Wno-stringop-overread -Wno-maybe-uninitialized)
     endif()
 endif()
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND CCACHE)

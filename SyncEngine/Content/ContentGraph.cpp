@@ -189,10 +189,17 @@ void copy(const ContentKey& key, const Project& source, Project& destination) {
 }
 
 std::string mediaValue(const MediaItems& items) {
-    std::string lines;
+    std::size_t size = 0;
     for (const auto& item : items) {
+        const auto [prefix, rest] = item.tokenPieces();
+        size += prefix.size() + rest.size() + 1;
+    }
+    std::string lines;
+    lines.reserve(size);
+    for (const auto& item : items) {
+        const auto [prefix, rest] = item.tokenPieces();
         if (&item != &items.front()) lines += '\n';
-        lines += item.token();
+        lines.append(prefix).append(rest);
     }
     return lines;
 }

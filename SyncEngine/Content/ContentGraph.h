@@ -15,13 +15,14 @@
 #include <string>
 #include <string_view>
 
+#include "KestrinCore/FlatMap.h"
 #include "KestrinModel/Project.h"
 #include "SyncEngine/Content/ContentKey.h"
 
 namespace kestrin {
 
 // Key to value, never an empty value.
-using FlatValues = std::map<ContentKey, std::string>;
+using FlatValues = FlatMap<ContentKey, std::string>;
 
 namespace ContentGraph {
 

@@ -72,12 +72,12 @@ void writeMembers(const fs::path& file, const Members& members, Encode&& encode)
 
 FlatValues decodeBase(const JSONValue& value) {
     const ObjectDecoder members(value);
-    FlatValues values;
+    FlatMapBuilder<FlatValues, OfSameKey::last> values;
     for (const auto& [id, ignored] : *value.objectValue()) {
         auto text = members.string(id);
-        if (const auto key = ContentKey::fromID(id)) values.insert_or_assign(*key, std::move(text));
+        if (const auto key = ContentKey::fromID(id)) values.add(*key, std::move(text));
     }
-    return values;
+    return std::move(values).take();
 }
 
 KnownAssets decodeAssets(const JSONValue& value) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "KestrinCore/StableJSON.h"
 #include "Tests/Support/Repeated.h"
 
@@ -80,6 +82,39 @@ TEST(StableJSONDecoding, OfMembersWithTheSameNameTheLastCounts) {
               JSONValue(JSONObject{{"a", JSONObject{{"c", 2}}}, {"b", 2}}));
     EXPECT_EQ(decode(R"({"a":1,"\u0061":null})"), JSONValue(JSONObject{{"a", nullptr}}));
     EXPECT_EQ(decode("{\"caf\u00E9\":1,\"cafe\u0301\":2}").objectValue()->size(), 2u);
+}
+
+TEST(StableJSONDecoding, MembersInNoOrderAreSortedAndTheLastOfANameCounts) {
+    std::string bytes = "{";
+    for (int i = 0; i < 20'000; ++i)
+        bytes += "\"" + std::to_string(i * 7919 % 20'000) + "\":" + std::to_string(i) + ",";
+    bytes += "\"7\":true}";
+    // A number that one of the libraries below leaves to the other.
+    for (const std::string& text : {bytes, "[" + bytes + ",1" + std::string(30, '0') + "]"}) {
+        const auto value = decode(text);
+        const auto* members =
+            value.objectValue() ? value.objectValue() : value.arrayValue()->front().objectValue();
+        ASSERT_EQ(members->size(), 20'000u);
+        EXPECT_TRUE(std::is_sorted(members->begin(), members->end(),
+                                   [](const auto& a, const auto& b) { return a.first < b.first; }));
+        EXPECT_EQ(members->at("7"), JSONValue(true));
+        EXPECT_EQ(members->at("7919"), JSONValue(1));
+    }
+}
+
+TEST(StableJSONDecoding, ADocumentLargerThanAllBeforeItIsReadLikeAnyOther) {
+    for (const std::size_t size : {1u, 100u, 5'000u, 70'000u, 1u << 20, (1u << 20) + 100, 3u << 20}) {
+        const std::string text(size, 'x');
+        EXPECT_EQ(decode("[\"" + text + "\"]").arrayValue()->front(), JSONValue(text)) << size;
+        EXPECT_EQ(decode("[1]"), JSONValue(JSONArray{1}));
+    }
+}
+
+TEST(StableJSONDecoding, MembersThatNobodyNeedsMayBeMissingBelowTheOutermostObject) {
+    const auto value =
+        StableJSON::decodeOnly({"a", "b"}, R"({"x":{"a":1,"c":2,"b":[{"a":3,"d":4}]},"y":[{"c":5}]})");
+    EXPECT_EQ(value, JSONValue(JSONObject{{"x", JSONObject{{"a", 1}, {"b", JSONArray{JSONObject{{"a", 3}}}}}},
+                                          {"y", JSONArray{JSONObject{}}}}));
 }
 
 TEST(StableJSONDecoding, RefusesWhatIsNotOneDocument) {
