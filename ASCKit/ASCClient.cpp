@@ -42,6 +42,16 @@ std::string noGoodReply() {
                               "App Store Connect didn’t answer as it should; waiting before the next try");
 }
 
+template <class Decode>
+JSONAPIDocument documentBy(Decode&& decode, std::string_view body, const std::string& path) {
+    if (body.empty()) return {};
+    try {
+        return decode(body);
+    } catch (const DecodingError&) {
+        throw ASCError(ASCError::InvalidResponse{path});
+    }
+}
+
 }  // namespace
 
 // A wait before another try, and why it is made.
@@ -79,7 +89,7 @@ JSONAPIDocument ASCClient::send(const ASCRequest& request) {
 
 std::vector<ResourceObject> ASCClient::all(const ASCRequest& request) {
     std::vector<ResourceObject> resources;
-    forEachPage(request, [&](JSONAPIDocument page) {
+    forEachPage(request, JSONAPIDocument::decode, [&](JSONAPIDocument page) {
         std::move(page.data.begin(), page.data.end(), std::back_inserter(resources));
     });
     return resources;
@@ -87,15 +97,24 @@ std::vector<ResourceObject> ASCClient::all(const ASCRequest& request) {
 
 std::vector<JSONAPIDocument> ASCClient::pages(const ASCRequest& request) {
     std::vector<JSONAPIDocument> pages;
-    forEachPage(request, [&](JSONAPIDocument page) { pages.push_back(std::move(page)); });
+    forEachPage(request, JSONAPIDocument::decode,
+                [&](JSONAPIDocument page) { pages.push_back(std::move(page)); });
     return pages;
 }
 
-template <class Take>
-void ASCClient::forEachPage(const ASCRequest& request, Take&& take) {
+std::vector<JSONAPIDocument> ASCClient::pages(const ASCRequest& request, const ResourceFields& fields) {
+    std::vector<JSONAPIDocument> pages;
+    const auto decode = [&](std::string_view bytes) { return JSONAPIDocument::decodeOnly(fields, bytes); };
+    forEachPage(request, decode, [&](JSONAPIDocument page) { pages.push_back(std::move(page)); });
+    return pages;
+}
+
+template <class Decode, class Take>
+void ASCClient::forEachPage(const ASCRequest& request, Decode&& decode, Take&& take) {
     std::optional<URL> next = addressOf(request);
     while (next) {
-        auto page = decode(perform({request.method, *next, request.body, request.path}), request.path);
+        const auto body = perform({request.method, *next, request.body, request.path});
+        auto page = documentBy(decode, body, request.path);
         next = std::move(page.nextURL);
         // A link that leads elsewhere must not take the token there; one without a host can't be sent as it stands.
         if (next && !isBelowRoot(*next)) throw ASCError(ASCError::InvalidResponse{request.path});
@@ -125,12 +144,7 @@ bool ASCClient::isBelowRoot(const URL& url) const {
 }
 
 JSONAPIDocument ASCClient::decode(std::string_view body, const std::string& path) {
-    if (body.empty()) return {};
-    try {
-        return JSONAPIDocument::decode(body);
-    } catch (const DecodingError&) {
-        throw ASCError(ASCError::InvalidResponse{path});
-    }
+    return documentBy(JSONAPIDocument::decode, body, path);
 }
 
 std::string ASCClient::perform(const Exchange& exchange) {

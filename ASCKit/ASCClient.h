@@ -81,6 +81,9 @@ class ASCClient {
     // The same, page by page, with what the pages include.
     std::vector<JSONAPIDocument> pages(const ASCRequest& request);
 
+    // The same for who needs only these fields of the resources; others may be missing.
+    std::vector<JSONAPIDocument> pages(const ASCRequest& request, const ResourceFields& fields);
+
     // The bytes of one reply, whatever they are.
     std::string data(const ASCRequest& request);
 
@@ -109,8 +112,8 @@ class ASCClient {
 
     URL addressOf(const ASCRequest& request) const;
     bool isBelowRoot(const URL& url) const;
-    template <class Take>
-    void forEachPage(const ASCRequest& request, Take&& take);
+    template <class Decode, class Take>
+    void forEachPage(const ASCRequest& request, Decode&& decode, Take&& take);
 
     std::string perform(const Exchange& exchange);
     HTTPRequest authorized(const Exchange& exchange);

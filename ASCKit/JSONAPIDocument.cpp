@@ -25,7 +25,7 @@ class Members {
         auto value = take(key);
         if (!value) ObjectDecoder::fail(key, "missing");
         if (!value->stringValue()) ObjectDecoder::fail(key, "expected a string");
-        return *value->stringValue();
+        return std::move(*value->stringValue());
     }
 
     JSONObject takeObject(const char* key) {
@@ -94,6 +94,16 @@ std::optional<std::string> ResourceObject::string(std::initializer_list<std::str
     return std::nullopt;
 }
 
+ResourceFields::ResourceFields(std::initializer_list<std::string_view> names) : members_(names) {
+    members_.insert({"type", "id", "attributes", "relationships", "data"});
+    members_.insert("next");  // of the document's own links
+}
+
+ResourceFields& ResourceFields::operator+=(const ResourceFields& others) {
+    members_.insert(others.members_.begin(), others.members_.end());
+    return *this;
+}
+
 JSONAPIDocument JSONAPIDocument::fromJSON(JSONValue value) {
     Members members(std::move(value));
     JSONAPIDocument document;
@@ -106,6 +116,10 @@ JSONAPIDocument JSONAPIDocument::fromJSON(JSONValue value) {
 
 JSONAPIDocument JSONAPIDocument::decode(std::string_view bytes) {
     return fromJSON(StableJSON::decode(bytes));
+}
+
+JSONAPIDocument JSONAPIDocument::decodeOnly(const ResourceFields& fields, std::string_view bytes) {
+    return fromJSON(StableJSON::decodeOnly(fields.members_, bytes));
 }
 
 bool JSONAPIDocument::hasNullData(std::string_view bytes) {

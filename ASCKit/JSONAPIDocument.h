@@ -9,6 +9,7 @@
 
 #include "ASCKit/URL.h"
 #include "KestrinCore/JSONDecoding.h"
+#include "KestrinCore/StableJSON.h"
 
 namespace kestrin {
 
@@ -30,6 +31,17 @@ struct ResourceObject {
     bool operator==(const ResourceObject&) const = default;
 };
 
+// Names of attributes and relationships, and of what stands in them.
+class ResourceFields {
+ public:
+    ResourceFields(std::initializer_list<std::string_view> names);  // valid as long as the texts are
+    ResourceFields& operator+=(const ResourceFields& others);
+
+ private:
+    friend struct JSONAPIDocument;
+    StableJSON::MemberNames members_;  // and those that make a document
+};
+
 struct JSONAPIDocument {
     std::vector<ResourceObject> data;      // a single resource is a list of one
     std::vector<ResourceObject> included;  // empty when absent
@@ -42,6 +54,10 @@ struct JSONAPIDocument {
 
     // The reply's bytes; throws DecodingError. No bytes at all are not a document.
     static JSONAPIDocument decode(std::string_view bytes);
+
+    // The same for who needs only some fields of the resources, since much of a large page is links and attributes that
+    // nobody reads: fields whose names aren't among `fields`, at any depth, may be missing, and links of resources.
+    static JSONAPIDocument decodeOnly(const ResourceFields& fields, std::string_view bytes);
 
     // Whether these bytes are a document whose `data` is there and null: a to-one read that found nothing.
     static bool hasNullData(std::string_view bytes);

@@ -1,6 +1,6 @@
 // Fetches addresses of the local App Store Connect, in whose environment it runs, one after the other and decoding each
-// reply: the lines of FILE. Prints the milliseconds of processor time that an address took, the start of the program
-// included.
+// reply as a pull decodes placements: the lines of FILE. Prints the milliseconds of processor time that an address took,
+// the start of the program included.
 //
 //   fetch-addresses FILE
 #include <sys/resource.h>
@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "ASCKit/ASCClient.h"
+#include "ASCKit/Resources/Placements.h"
 #include "Benchmarks/EnvironmentCredential.h"
 
 namespace {
@@ -42,7 +43,14 @@ double processorMilliseconds() {
 
 void fetch(const std::vector<URL>& addresses) {
     ASCClient client(environmentCredential());
-    for (const auto& address : addresses) ASCClient::decode(client.data(address), address.path());
+    const auto fields = ResourceFields(ASCPlacement::fields()) += ASCLibraryAsset::fields();
+    const auto root = client.root().absoluteString();
+    for (const auto& address : addresses) {
+        ASCRequest request;
+        request.path = address.absoluteString().substr(root.size());  // and its query as it stands
+        if (client.pages(request, fields).empty())
+            throw std::runtime_error("no page at " + address.absoluteString());
+    }
     std::cout << processorMilliseconds() / static_cast<double>(addresses.size()) << '\n';
 }
 

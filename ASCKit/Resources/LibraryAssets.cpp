@@ -76,6 +76,15 @@ ImageTemplate ImageTemplate::fromJSON(const JSONValue& value) {
             requiredInteger(members, "height")};
 }
 
+// What is read below, the members of an image template included.
+const ResourceFields& ASCLibraryAsset::fields() {
+    static const ResourceFields kFields = {
+        "fileName",          "referenceName", "fileSize",    "state", "category", "imageAsset",
+        "previewFrameImage", "image",         "templateUrl", "width", "height",
+    };
+    return kFields;
+}
+
 ASCLibraryAsset ASCLibraryAsset::fromResource(const ResourceObject& resource) {
     const auto kind = resource.type == kVideoType ? Kind::video : Kind::image;
     return {

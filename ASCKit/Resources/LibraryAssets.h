@@ -44,6 +44,7 @@ struct ASCLibraryAsset {
     std::optional<ImageTemplate> thumbnail;  // of a video its preview frame
 
     static ASCLibraryAsset fromResource(const ResourceObject& resource);
+    static const ResourceFields& fields();  // all that is read of a resource
 
     JSONValue toJSON() const;
     static ASCLibraryAsset fromJSON(const JSONValue& value);  // DecodingError

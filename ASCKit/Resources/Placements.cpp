@@ -27,6 +27,12 @@ ParentNames namesOf(PlacementParent::Kind kind) {
 
 }  // namespace
 
+// What is read below.
+const ResourceFields& ASCPlacement::fields() {
+    static const ResourceFields kFields = {"placementGroup", "placementType", "state", "image", "video"};
+    return kFields;
+}
+
 ASCPlacement::ASCPlacement(const ResourceObject& resource)
     : id(resource.id),
       group(resource.string("placementGroup").value_or("")),
@@ -51,8 +57,9 @@ PlacementList placements(ASCClient& client, const PlacementParent& parent) {
     request.path = std::string("/v1/") + parent.type() + "/" + parent.id + "/placements";
     request.query = {QueryParameter::include({"image", "video"}),
                      QueryParameter::sort({"placementGroupPosition"}), QueryParameter::limit(kPageSize)};
+    static const ResourceFields kFields = ResourceFields(ASCPlacement::fields()) += ASCLibraryAsset::fields();
     PlacementList list;
-    for (const auto& page : client.pages(request)) {
+    for (const auto& page : client.pages(request, kFields)) {
         for (const auto& resource : page.data) list.placements.emplace_back(resource);
         for (const auto& resource : page.included) {
             if (isAssetType(resource.type)) list.assets.push_back(ASCLibraryAsset::fromResource(resource));

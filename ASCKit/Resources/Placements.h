@@ -17,6 +17,7 @@ struct ASCPlacement {
     std::optional<std::string> assetID;
 
     explicit ASCPlacement(const ResourceObject& resource);
+    static const ResourceFields& fields();  // all that is read of a resource
     bool operator==(const ASCPlacement&) const = default;
 };
 

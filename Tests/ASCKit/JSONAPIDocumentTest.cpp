@@ -106,6 +106,32 @@ TEST(JSONAPIDocument, NextLinkIsATextThatIsAnAddress) {
     }
 }
 
+TEST(JSONAPIDocument, WhoNeedsOnlySomeFieldsGetsThoseAndAllThatMakesADocument) {
+    const auto document = JSONAPIDocument::decodeOnly({"name", "owner"}, R"({
+        "data": [{"type": "a", "id": "1", "attributes": {"name": "N", "color": "red"},
+                  "relationships": {"owner": {"data": {"type": "b", "id": "7"}, "links": {"self": "x"}},
+                                    "other": {"data": null}},
+                  "links": {"self": "x"}}],
+        "included": [{"type": "b", "id": "7", "attributes": {"color": "red"}}],
+        "links": {"next": "https://x.test/?cursor=2"}})");
+
+    ASSERT_EQ(document.data.size(), 1u);
+    EXPECT_EQ(document.data[0].attributes, (JSONObject{{"name", "N"}}));
+    EXPECT_EQ(document.data[0].relatedID("owner"), "7");
+    EXPECT_TRUE(document.data[0].links.empty());
+    ASSERT_EQ(document.included.size(), 1u);
+    EXPECT_EQ(document.included[0].id, "7");
+    ASSERT_TRUE(document.nextURL);
+    EXPECT_EQ(document.nextURL->absoluteString(), "https://x.test/?cursor=2");
+}
+
+TEST(JSONAPIDocument, WhatNobodyNeedsHasToBeJSONAllTheSame) {
+    for (const char* broken : {R"({"data": [], "x": {"y": nul}})", R"({"data": [], "x": {"y": "\ud800"}})"}) {
+        SCOPED_TRACE(broken);
+        EXPECT_THROW(JSONAPIDocument::decodeOnly({}, broken), DecodingError);
+    }
+}
+
 TEST(JSONAPIDocument, TellsNullDataFromEveryOtherReply) {
     EXPECT_TRUE(JSONAPIDocument::hasNullData(R"({"data": null, "links": {"self": "x"}})"));
     EXPECT_FALSE(JSONAPIDocument::hasNullData(R"({"links": {}})"));

@@ -321,6 +321,34 @@ TEST(ResourceRecords, PlacementsComeFromAllPagesWithTheAssetsTheyInclude) {
     EXPECT_EQ(list.assets[1].kind, ASCLibraryAsset::Kind::video);
 }
 
+// Of a page of placements only the fields that are read are decoded: here each of them has a value.
+TEST(ResourceRecords, APlacementAndItsAssetAreReadAsFromTheirWholeResources) {
+    const std::string placement = R"({"type":"appAssetLibraryPlacements","id":"1","attributes":{
+        "placementGroup":"IPHONE_67","placementType":"APP_SCREENSHOT","state":"APPROVED","stateDetails":[]},
+        "relationships":{"image":{"data":{"type":"appAssetLibraryImages","id":"A"},"links":{"self":"x"}}},
+        "links":{"self":"x"}})";
+    const std::string ofVideo = R"({"type":"appAssetLibraryPlacements","id":"2","attributes":{},
+        "relationships":{"video":{"data":{"type":"appAssetLibraryVideos","id":"B"}}}})";
+    const std::string image = R"({"type":"appAssetLibraryImages","id":"A","attributes":{"fileName":"a.png",
+        "referenceName":"A","fileSize":7,"state":"APPROVED","category":"APP_SCREENSHOTS_AND_PREVIEWS",
+        "createdDate":"2026-01-01","imageAsset":{"templateUrl":"https://x.test/{w}x{h}bb.{f}","width":2,"height":3}}})";
+    const std::string video = R"({"type":"appAssetLibraryVideos","id":"B","attributes":{"fileName":"b.mov",
+        "previewFrameImage":{"image":{"templateUrl":"https://x.test/{w}x{h}bb.{f}","width":4,"height":5}}}})";
+    ScriptedClient world({reply(
+        200, R"({"data":[)" + placement + "," + ofVideo + R"(],"included":[)" + image + "," + video + "]}")});
+
+    const auto list = ASC::placements(world.client, {PlacementParent::Kind::versionLocalization, "7"});
+
+    EXPECT_EQ(list.placements,
+              (std::vector{ASCPlacement(resource(placement)), ASCPlacement(resource(ofVideo))}));
+    EXPECT_EQ(list.placements[0].assetID, "A");
+    EXPECT_EQ(list.placements[1].assetID, "B");
+    EXPECT_EQ(list.assets, (std::vector{ASCLibraryAsset::fromResource(resource(image)),
+                                        ASCLibraryAsset::fromResource(resource(video))}));
+    EXPECT_EQ(list.assets[0].thumbnail->width, 2);
+    EXPECT_EQ(list.assets[1].thumbnail->height, 5);
+}
+
 TEST(ResourceRecords, ABuildUploadsMessagesAreDescriptionsOrElseCodes) {
     const ASCBuildUpload upload(resource(R"({"type":"buildUploads","id":"1","attributes":{"state":{
         "state":"FAILED","errors":[{"code":"90001","description":"Too old."},{"code":"90002"},{},7],
