@@ -13,6 +13,9 @@
 namespace kestrin {
 namespace {
 
+// Replies to similar requests are of similar size, but one huge reply says nothing of the next.
+constexpr std::size_t kLargestExpected = std::size_t{256} << 10;
+
 class HeaderList {
  public:
     HeaderList() = default;
@@ -37,6 +40,7 @@ struct Transfer {
     const HTTPRequest& request;
     const CurlTransport::Limits& limits;
     CURL* handle;
+    std::size_t expectedBody;  // bytes, a guess
     std::optional<BodyReader> body = std::nullopt;
     HTTPResponse reply = {};
     std::size_t headerBytes = 0;
@@ -89,14 +93,14 @@ struct Transfer {
  private:
     [[noreturn]] void refuse() const { throw ASCError(ASCError::InvalidResponse{request.url.path()}); }
 
-    // Announced and within the limit: a large reply then isn't copied over and over while it grows. Memory that is
-    // only reserved isn't taken yet, should the announcement be a lie.
+    // A large reply then isn't copied over and over while it grows. Memory that is only reserved isn't taken yet, should
+    // the announcement be a lie. Of a compressed reply it says too little.
     void reserve() {
         curl_off_t announced = 0;
-        if (curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced) != CURLE_OK) return;
-        if (announced <= 0) return;
-        if (static_cast<std::uint64_t>(announced) > limits.bodyBytes) refuse();
-        reply.body.reserve(static_cast<std::size_t>(announced));
+        curl_easy_getinfo(handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
+        const auto bytes = static_cast<std::uint64_t>(std::max<curl_off_t>(announced, 0));
+        if (bytes > limits.bodyBytes) refuse();
+        reply.body.reserve(std::max(static_cast<std::size_t>(bytes), expectedBody));
     }
 };
 
@@ -247,7 +251,7 @@ HTTPResponse CurlTransport::send(const HTTPRequest& request, const std::stop_tok
     if (!isHTTPToken(request.method)) throw unsendable("not a method");
     auto* handle = connection_->fresh();
 
-    Transfer transfer{request, limits_, handle};
+    Transfer transfer{request, limits_, handle, expectedBody_};
     HeaderList headers;
     setPolicy(handle);
     setTrust(handle, certificates_);
@@ -272,6 +276,7 @@ HTTPResponse CurlTransport::send(const HTTPRequest& request, const std::stop_tok
     long status = 0;
     curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &status);
     transfer.reply.status = static_cast<int>(status);
+    expectedBody_ = std::min(transfer.reply.body.size(), kLargestExpected);
     return std::move(transfer.reply);
 }
 

@@ -39,6 +39,7 @@ class CurlTransport final : public HTTPTransport {
     std::unique_ptr<CurlConnection> connection_;
     Limits limits_;
     std::filesystem::path certificates_;
+    std::size_t expectedBody_ = 0;  // bytes of a reply, by the last one
 };
 
 }  // namespace kestrin
