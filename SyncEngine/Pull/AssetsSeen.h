@@ -1,6 +1,7 @@
 // The assets that the replies of one fetch have shown, on their way into one map.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -26,8 +27,18 @@ class AssetsSeen {
     void finish();
 
  private:
+    struct Waiting {
+        std::uint64_t start;  // of the id, as startOf gives it
+        KnownAssets::node_type node;
+
+        // By id. Ids differ in their first bytes nearly always, and those are at hand without a look at the node.
+        bool operator<(const Waiting& other) const {
+            return start != other.start ? start < other.start : node.key() < other.node.key();
+        }
+    };
+
     KnownAssets& assets_;
-    std::vector<KnownAssets::node_type> waiting_;
+    std::vector<Waiting> waiting_;
 };
 
 }  // namespace kestrin

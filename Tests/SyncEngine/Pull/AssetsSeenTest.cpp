@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+#include <vector>
+
 namespace kestrin {
 namespace {
 
@@ -31,6 +35,30 @@ TEST(AssetsSeen, TheLastOfAnIdCounts) {
     seen.add(asset("b", "2"));
     seen.finish();
     EXPECT_EQ(map, (KnownAssets{{"a", asset("a", "2")}, {"b", asset("b", "2")}}));
+}
+
+TEST(AssetsSeen, AreInTheOrderOfTheBytesOfTheirIds) {
+    const std::vector<std::string> ids = {"",
+                                          "1",
+                                          "12345678",
+                                          "123456781",
+                                          "12345679",
+                                          "1234567\x7F",
+                                          "\xC3\xA9",
+                                          "\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA8",
+                                          "12345678\x01",
+                                          "2"};
+    KnownAssets map, expected;
+    AssetsSeen seen(map);
+    for (const auto& id : ids) {
+        seen.add(asset(id, id));
+        expected.emplace(id, asset(id, id));
+    }
+    seen.finish();
+    EXPECT_EQ(map, expected);
+    EXPECT_TRUE(std::is_sorted(map.begin(), map.end(),
+                               [](const auto& one, const auto& other) { return one.first < other.first; }));
+    for (const auto& id : ids) EXPECT_EQ(map.count(id), 1u) << id;
 }
 
 TEST(AssetsSeen, TellTheFileNamesOfThoseShownSoFar) {
