@@ -31,8 +31,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(kestrin_options INTERFACE -fpch-preprocess)
     if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
         # Said of correct code once the optimiser has inlined it: that "literal" + std::string overlaps itself, copies
-        # too much or reads too much (GCC bugs 105651, 105329), and that the move of a std::variant reads the alternatives that
-        # it doesn't hold (GCC bug 105593 and its kin).
+        # too much or reads too much (GCC bugs 105651, 105329), and that the move of a std::variant reads the
+        # alternatives that it doesn't hold (GCC bug 105593 and its kin).
         target_compile_options(kestrin_options INTERFACE
             -Wno-restrict -Wno-stringop-overflow -Wno-stringop-overread -Wno-maybe-uninitialized)
     endif()
