@@ -80,6 +80,12 @@ class BuildCommandsTest : public testing::Test {
         ProjectPackageFile::save(project, folder / "App.kestrin");
     }
 
+    void rename(const std::string& bundleID) {
+        auto project = ProjectPackageFile::load(folder / "App.kestrin");
+        project.manifest.app.bundleID = bundleID;
+        ProjectPackageFile::save(project, folder / "App.kestrin");
+    }
+
     void writeBuild(std::string_view elements) {
         folder.write("App.ipa", zip({storedMember("Payload/A.app/Info.plist", xmlPropertyList(elements))}));
     }
@@ -136,6 +142,13 @@ TEST_F(BuildCommandsTest, UploadWarnsOfTheBuildOfAnotherApp) {
     EXPECT_THROW(upload(), ASCError);
     EXPECT_EQ(console.errors,
               "Warning: the file's bundle ID is com.example.other, the project's is com.example.glowworm.\n");
+}
+
+TEST_F(BuildCommandsTest, UploadKnowsABundleIDInEitherFormOfUnicode) {
+    rename("com.example.caf\u00e9");
+    writeBuild("<key>CFBundleIdentifier</key><string>com.example.cafe\u0301</string>");
+    EXPECT_THROW(upload(), ASCError);
+    EXPECT_EQ(console.errors, "");
 }
 
 }  // namespace
