@@ -21,7 +21,7 @@ std::string rounded(std::optional<double> number) {
 }
 
 // "64x48 at 30.000 for 1.500 s", or the sentence of the error.
-std::string seen(const std::filesystem::path& file) {
+std::string seenFilm(const std::filesystem::path& file) {
     try {
         const auto info = MediaInspector::inspect(file);
         EXPECT_EQ(info.kind, MediaInfo::Kind::video);
@@ -59,7 +59,7 @@ class MediaInspectorVideo : public testing::Test {
  protected:
     std::string seenOf(const std::string& name, const std::string& bytes) {
         tools.folder.write(name, bytes);
-        return seen(tools.folder / name);
+        return seenFilm(tools.folder / name);
     }
 
     MediaTools tools;
@@ -69,7 +69,7 @@ TEST_F(MediaInspectorVideo, AnyOfTheThreeKindsInAnyCase) {
     EXPECT_EQ(MediaInspector::videoExtensions, (std::set<std::string>{".mp4", ".m4v", ".mov"}));
     for (const auto* name : {"a.mp4", "a.m4v", "a.mov"}) {
         SCOPED_TRACE(name);
-        EXPECT_EQ(seen(tools.clip(name)), "64x48 at 30.000 for 1.500 s");
+        EXPECT_EQ(seenFilm(tools.clip(name)), "64x48 at 30.000 for 1.500 s");
     }
     for (const auto* name : {"A.MP4", "A.MOV", "A.m4V"}) {
         SCOPED_TRACE(name);
@@ -111,8 +111,8 @@ TEST_F(MediaInspectorVideo, TheSizeIsTheDisplayedOne) {
 }
 
 TEST_F(MediaInspectorVideo, PixelsThatArentSquareCountAsWideAsTheyAre) {
-    EXPECT_EQ(seen(tools.clip("wide.mp4", "-vf setsar=4/3")), "85x48 at 30.000 for 1.500 s");
-    EXPECT_EQ(seen(tools.clip("wide.mov", "-vf setsar=3/2")), "96x48 at 30.000 for 1.500 s");
+    EXPECT_EQ(seenFilm(tools.clip("wide.mp4", "-vf setsar=4/3")), "85x48 at 30.000 for 1.500 s");
+    EXPECT_EQ(seenFilm(tools.clip("wide.mov", "-vf setsar=3/2")), "96x48 at 30.000 for 1.500 s");
     const auto wide = turned(tools.folder.read("wide.mov"), {0, 1, -1, 0});
     EXPECT_EQ(seenOf("wide-and-turned.mov", wide), "48x96 at 30.000 for 1.500 s");
 }
@@ -145,9 +145,9 @@ TEST_F(MediaInspectorVideo, AVaryingRateIsItsMean) {
 
 TEST_F(MediaInspectorVideo, WithoutAVideoTrackItIsUnreadable) {
     tools.ffmpeg("-f lavfi -i sine=duration=1 sound.m4v");
-    EXPECT_EQ(seen(tools.folder / "sound.m4v"), "Couldn’t read “sound.m4v” as an image or a video.");
+    EXPECT_EQ(seenFilm(tools.folder / "sound.m4v"), "Couldn’t read “sound.m4v” as an image or a video.");
     tools.ffmpeg("-f lavfi -i sine=duration=1 sound.mov");
-    EXPECT_EQ(seen(tools.folder / "sound.mov"), "Couldn’t read “sound.mov” as an image or a video.");
+    EXPECT_EQ(seenFilm(tools.folder / "sound.mov"), "Couldn’t read “sound.mov” as an image or a video.");
 }
 
 TEST_F(MediaInspectorVideo, ACoverIsNoVideoTrack) {
@@ -163,13 +163,13 @@ TEST_F(MediaInspectorVideo, TheFirstVideoTrackCountsWhereverItStands) {
     tools.ffmpeg(
         "-f lavfi -i sine=duration=1 -f lavfi -i testsrc=size=64x48:rate=30:duration=1 -f lavfi -i "
         "testsrc=size=32x16:rate=10:duration=1 -map 0 -map 2 -map 1 -pix_fmt yuv420p a.mp4");
-    EXPECT_EQ(seen(tools.folder / "a.mp4").substr(0, 15), "32x16 at 10.000");
+    EXPECT_EQ(seenFilm(tools.folder / "a.mp4").substr(0, 15), "32x16 at 10.000");
 }
 
 TEST_F(MediaInspectorVideo, AFragmentedClipIsReadLikeAnyOther) {
     for (const auto* name : {"a.mp4", "a.mov"}) {
         SCOPED_TRACE(name);
-        EXPECT_EQ(seen(tools.clip(name, "-g 10 -movflags frag_keyframe+empty_moov")),
+        EXPECT_EQ(seenFilm(tools.clip(name, "-g 10 -movflags frag_keyframe+empty_moov")),
                   "64x48 at 30.000 for 1.500 s");
     }
 }
@@ -195,7 +195,7 @@ TEST_F(MediaInspectorVideo, NoOtherContainerAndNoListOfFilesPassesForAClip) {
     EXPECT_EQ(seenOf("a.mp4", tools.folder.read("a.mkv")), unreadable);
     EXPECT_EQ(seenOf("a.mp4", plainPNG(PNGImage::Colour::rgb, "abc").bytes()), unreadable);
     std::filesystem::remove(tools.folder / "a.mp4");
-    EXPECT_EQ(seen(tools.folder / "a.mp4"), unreadable) << "no file";
+    EXPECT_EQ(seenFilm(tools.folder / "a.mp4"), unreadable) << "no file";
 }
 
 TEST_F(MediaInspectorVideo, ANameIsOnlyAName) {

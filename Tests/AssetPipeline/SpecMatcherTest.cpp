@@ -1,4 +1,5 @@
 #include "AssetPipeline/SpecMatcher.h"
+#include "Tests/Support/ListingNames.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +7,6 @@ namespace kestrin {
 namespace {
 
 using Spec = AssetLibraryRefData::Spec;
-
-const PlacementSlot kSlot{"IPHONE_67", "APP_SCREENSHOT"};
 
 MediaInfo image(std::int64_t width, std::int64_t height) {
     MediaInfo media;

@@ -11,6 +11,7 @@
 #include "SyncEngine/State/ProjectStateStore.h"
 #include "Tests/ASCKit/RawServer.h"
 #include "Tests/Support/FakeConsole.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/ProcessState.h"
 #include "Tests/Support/ProxylessEnvironment.h"
 #include "Tests/Support/TemporaryFolder.h"
@@ -19,8 +20,6 @@ namespace kestrin {
 namespace {
 
 namespace fs = std::filesystem;
-
-const StoreLocale german{"de-DE"};
 
 class FastlaneCommandsTest : public testing::Test {
  protected:
@@ -40,7 +39,7 @@ class FastlaneCommandsTest : public testing::Test {
     void saveWithRemoteScreenshots(int count, const std::string& address) {
         Project project;
         project.manifest.projectID = UUID::random();
-        auto& shown = project.platforms[StorePlatform::iOS].media[german][{"IPHONE_67", "APP_SCREENSHOT"}];
+        auto& shown = project.platforms[StorePlatform::iOS].media[kGerman][{"IPHONE_67", "APP_SCREENSHOT"}];
         KnownAssets known;
         for (int i = 0; i < count; ++i) {
             ASCLibraryAsset asset;
@@ -69,7 +68,7 @@ TEST_F(FastlaneCommandsTest, ImportMakesAPackageForABundleID) {
     EXPECT_EQ(console.terminal, "Imported 2 locales into App.kestrin.\n");
     const auto project = saved();
     EXPECT_EQ(project.manifest.app.bundleID, "com.example.notes");
-    EXPECT_EQ(project.value(ListingField::name, german, StorePlatform::iOS), "Notizen");
+    EXPECT_EQ(project.value(ListingField::name, kGerman, StorePlatform::iOS), "Notizen");
 }
 
 TEST_F(FastlaneCommandsTest, ImportIntoNothingNeedsABundleID) {
@@ -87,9 +86,9 @@ TEST_F(FastlaneCommandsTest, ImportGoesOverWhatThePackageHolds) {
     Project project;
     project.manifest.projectID = UUID::random();
     project.manifest.app.bundleID = "com.example.first";
-    project.manifest.locales = {german};
-    project.setValue("Alt", ListingField::name, german, StorePlatform::iOS);
-    project.setValue("Bleibt", ListingField::subtitle, german, StorePlatform::iOS);
+    project.manifest.locales = {kGerman};
+    project.setValue("Alt", ListingField::name, kGerman, StorePlatform::iOS);
+    project.setValue("Bleibt", ListingField::subtitle, kGerman, StorePlatform::iOS);
     ProjectPackageFile::save(project, package);
     folder.write("deliver/de-DE/name.txt", "Neu");
     folder.write("deliver/ja/name.txt", "メモ");
@@ -100,15 +99,15 @@ TEST_F(FastlaneCommandsTest, ImportGoesOverWhatThePackageHolds) {
     const auto result = saved();
     EXPECT_EQ(result.manifest.app.bundleID, "com.example.first");
     EXPECT_EQ(result.manifest.projectID, project.manifest.projectID);
-    EXPECT_EQ(result.value(ListingField::name, german, StorePlatform::iOS), "Neu");
-    EXPECT_EQ(result.value(ListingField::subtitle, german, StorePlatform::iOS), "Bleibt");
+    EXPECT_EQ(result.value(ListingField::name, kGerman, StorePlatform::iOS), "Neu");
+    EXPECT_EQ(result.value(ListingField::subtitle, kGerman, StorePlatform::iOS), "Bleibt");
 }
 
 TEST_F(FastlaneCommandsTest, ImportIsAlwaysOfIOS) {
     folder.write("deliver/de-DE/description.txt", "Text");
     EXPECT_EQ(import({"--bundle-id", "com.example.notes", "--platform", "MAC_OS"}), 0);
     EXPECT_EQ(saved().manifest.platforms, std::vector{StorePlatform::iOS});
-    EXPECT_EQ(saved().value(ListingField::description, german, StorePlatform::iOS), "Text");
+    EXPECT_EQ(saved().value(ListingField::description, kGerman, StorePlatform::iOS), "Text");
 }
 
 TEST_F(FastlaneCommandsTest, ImportOfAFolderThatIsNotThereMakesNoPackage) {
@@ -119,9 +118,9 @@ TEST_F(FastlaneCommandsTest, ImportOfAFolderThatIsNotThereMakesNoPackage) {
 
 TEST_F(FastlaneCommandsTest, ExportWritesADeliverFolder) {
     Project project;
-    project.manifest.locales = {german, {"fr-FR"}};
-    project.setValue("Notizen", ListingField::name, german, StorePlatform::iOS);
-    project.setValue("Text", ListingField::description, german, StorePlatform::iOS);
+    project.manifest.locales = {kGerman, {"fr-FR"}};
+    project.setValue("Notizen", ListingField::name, kGerman, StorePlatform::iOS);
+    project.setValue("Text", ListingField::description, kGerman, StorePlatform::iOS);
     ProjectPackageFile::save(project, package);
 
     EXPECT_EQ(exportTo("out"), 0);
@@ -133,8 +132,8 @@ TEST_F(FastlaneCommandsTest, ExportWritesADeliverFolder) {
 
 TEST_F(FastlaneCommandsTest, ExportIsOfThePlatformThatIsAskedFor) {
     Project project;
-    project.manifest.locales = {german};
-    project.setValue("Mac", ListingField::description, german, StorePlatform::macOS);
+    project.manifest.locales = {kGerman};
+    project.setValue("Mac", ListingField::description, kGerman, StorePlatform::macOS);
     ProjectPackageFile::save(project, package);
 
     EXPECT_EQ(exportTo("mac", {"--platform", "MAC_OS"}), 0);
@@ -147,7 +146,7 @@ TEST_F(FastlaneCommandsTest, ExportIsOfThePlatformThatIsAskedFor) {
 TEST_F(FastlaneCommandsTest, ExportTellsWhatStaysBehind) {
     const PlacementSlot screenshots{"IPHONE_67", "APP_SCREENSHOT"}, previews{"IPHONE_67", "APP_PREVIEW"};
     Project project;
-    auto& media = project.platforms[StorePlatform::iOS].media[german];
+    auto& media = project.platforms[StorePlatform::iOS].media[kGerman];
     media[screenshots] = {MediaItem::file("Media/hero.png"), MediaItem::file("Media/gone.png"),
                           MediaItem::file("../secret.png"), MediaItem::remote("asset-1"),
                           MediaItem::remote("asset-2")};
@@ -181,7 +180,7 @@ TEST_F(FastlaneCommandsTest, ExportTellsOfADownloadEvenOfNothing) {
     const EnvironmentVariable temporary("TMPDIR", (folder / "tmp").c_str());
     fs::create_directory(folder / "tmp");
     Project project;
-    project.platforms[StorePlatform::iOS].media[german][{"IPHONE_67", "APP_SCREENSHOT"}] = {
+    project.platforms[StorePlatform::iOS].media[kGerman][{"IPHONE_67", "APP_SCREENSHOT"}] = {
         MediaItem::remote("never-seen")};
     ProjectPackageFile::save(project, package);
 

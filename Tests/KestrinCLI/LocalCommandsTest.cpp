@@ -5,13 +5,12 @@
 #include "KestrinCLI/Dispatch.h"
 #include "KestrinModel/ProjectPackageFile.h"
 #include "Tests/Support/FakeConsole.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/Repeated.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace kestrin {
 namespace {
-
-const StoreLocale german{"de-DE"};
 
 CharacterCount counted(std::size_t graphemes, std::size_t utf16) {
     CharacterCount count;
@@ -46,18 +45,18 @@ TEST(DescribeIssue, NamesThePlaceAndTheKind) {
         const char* line;
     };
     const Row rows[] = {
-        {{ListingField::name, german, std::nullopt, ListingIssue::OverLimit{counted(31, 40), 30}},
+        {{ListingField::name, kGerman, std::nullopt, ListingIssue::OverLimit{counted(31, 40), 30}},
          "de-DE name: 31 characters, limit 30"},
-        {{ListingField::whatsNew, german, StorePlatform::macOS,
+        {{ListingField::whatsNew, kGerman, StorePlatform::macOS,
           ListingIssue::OverLimit{counted(4001, 4001), 4000}},
          "macOS de-DE whatsNew: 4001 characters, limit 4000"},
-        {{ListingField::subtitle, german, std::nullopt,
+        {{ListingField::subtitle, kGerman, std::nullopt,
           ListingIssue::OverLimitInUTF16Only{counted(20, 44), 30}},
          "de-DE subtitle: 20 characters but 44 UTF-16 units, limit 30 (verify)"},
-        {{ListingField::keywords, german, StorePlatform::iOS,
+        {{ListingField::keywords, kGerman, StorePlatform::iOS,
           ListingIssue::DuplicateKeywords{{"foto", "bild"}}},
          "iOS de-DE keywords: duplicate keywords foto, bild"},
-        {{ListingField::keywords, german, StorePlatform{"WATCH_OS"}, ListingIssue::DuplicateKeywords{{"a"}}},
+        {{ListingField::keywords, kGerman, StorePlatform{"WATCH_OS"}, ListingIssue::DuplicateKeywords{{"a"}}},
          "WATCH_OS de-DE keywords: duplicate keywords a"},
     };
     for (const Row& row : rows) {
@@ -72,9 +71,9 @@ TEST(Check, FindsNothingInAnEmptyProject) {
 
 TEST(Check, PrintsTheIssuesAndCountsThoseOverALimit) {
     Project project;
-    project.setValue(std::string(31, 'n'), ListingField::name, german, StorePlatform::iOS);
-    project.setValue("a, b, A", ListingField::keywords, german, StorePlatform::iOS);
-    project.setValue(std::string(171, 'p'), ListingField::promotionalText, german, StorePlatform::macOS);
+    project.setValue(std::string(31, 'n'), ListingField::name, kGerman, StorePlatform::iOS);
+    project.setValue("a, b, A", ListingField::keywords, kGerman, StorePlatform::iOS);
+    project.setValue(std::string(171, 'p'), ListingField::promotionalText, kGerman, StorePlatform::macOS);
     EXPECT_EQ(ran(LocalCommands::check, project),
               (Ran{1,
                    "de-DE name: 31 characters, limit 30\n"
@@ -85,14 +84,14 @@ TEST(Check, PrintsTheIssuesAndCountsThoseOverALimit) {
 
 TEST(Check, SucceedsWithDuplicateKeywordsOnly) {
     Project project;
-    project.setValue("a, a", ListingField::keywords, german, StorePlatform::iOS);
+    project.setValue("a, a", ListingField::keywords, kGerman, StorePlatform::iOS);
     EXPECT_EQ(ran(LocalCommands::check, project),
               (Ran{0, "iOS de-DE keywords: duplicate keywords a\n1 issues, 0 over a limit.\n"}));
 }
 
 TEST(Check, SucceedsWithTextsThatAreOverTheirLimitInUTF16Only) {
     Project project;
-    project.setValue(repeated(30, "😀"), ListingField::name, german, StorePlatform::iOS);
+    project.setValue(repeated(30, "😀"), ListingField::name, kGerman, StorePlatform::iOS);
     EXPECT_EQ(ran(LocalCommands::check, project),
               (Ran{0,
                    "de-DE name: 30 characters but 60 UTF-16 units, limit 30 (verify)\n"
@@ -104,9 +103,9 @@ TEST(Inspect, PrintsWhatTheManifestSays) {
     project.manifest.projectID = *UUID::parse("0e3c1b5a-7d2f-4a61-9c0e-2f5d8b7a6c41");
     project.manifest.app = {"com.example.app", "6450000001", {}};
     project.manifest.platforms = {StorePlatform::iOS, StorePlatform::macOS};
-    project.manifest.locales = {{"fr-FR"}, german};
-    project.setValue("Name", ListingField::name, german, StorePlatform::iOS);
-    project.setValue("Text", ListingField::description, german, StorePlatform::iOS);
+    project.manifest.locales = {{"fr-FR"}, kGerman};
+    project.setValue("Name", ListingField::name, kGerman, StorePlatform::iOS);
+    project.setValue("Text", ListingField::description, kGerman, StorePlatform::iOS);
     EXPECT_EQ(ran(LocalCommands::inspect, project), (Ran{0,
                                                          "project:   0E3C1B5A-7D2F-4A61-9C0E-2F5D8B7A6C41\n"
                                                          "bundle ID: com.example.app\n"

@@ -8,20 +8,20 @@
 namespace kestrin {
 namespace {
 
-struct Row {
+struct KindRow {
     const char* kind;
     JSONValue value;
 };
 
 // One value of each kind, in the order of the kinds.
-std::vector<Row> oneOfEachKind() {
+std::vector<KindRow> oneOfEachKind() {
     return {{"string", "1"},  {"integer", 1},          {"number", 1.0},
             {"bool", true},   {"array", JSONArray{1}}, {"object", JSONObject{{"1", 1}}},
             {"null", nullptr}};
 }
 
 TEST(JSONValue, AnAccessorAnswersOnlyForItsVeryKind) {
-    for (const Row& row : oneOfEachKind()) {
+    for (const KindRow& row : oneOfEachKind()) {
         SCOPED_TRACE(row.kind);
         const std::string kind = row.kind;
         EXPECT_EQ(row.value.stringValue() != nullptr, kind == "string");

@@ -4,6 +4,7 @@
 
 #include "KestrinCore/FileError.h"
 #include "KestrinModel/FastlaneDeliverImporter.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace kestrin {
@@ -13,16 +14,12 @@ namespace fs = std::filesystem;
 using enum ListingField;
 using FileContents = std::map<std::string, std::string>;
 
-const StoreLocale german{"de-DE"};
-const StorePlatform iOS = StorePlatform::iOS;
-const PlacementSlot iPhone{"IPHONE_67", "APP_SCREENSHOT"};
-
 std::optional<fs::path> nowhere(const std::string&) {
     return std::nullopt;
 }
 
 FastlaneExportSummary exportTo(const fs::path& target, const Project& project) {
-    return FastlaneDeliverExporter::exportListing(project, iOS, target, nowhere, nowhere);
+    return FastlaneDeliverExporter::exportListing(project, kIOS, target, nowhere, nowhere);
 }
 
 FileContents exported(const Project& project) {
@@ -34,15 +31,15 @@ FileContents exported(const Project& project) {
 Project withName(const StoreLocale& locale, std::string text) {
     Project project;
     project.manifest.locales = {locale};
-    project.setValue(std::move(text), name, locale, iOS);
+    project.setValue(std::move(text), name, locale, kIOS);
     return project;
 }
 
 TEST(FastlaneDeliverExporter, WritesEachFieldOfALocaleToItsFile) {
     Project project;
-    project.manifest.locales = {german};
+    project.manifest.locales = {kGerman};
     for (const auto field : ListingFields::all) {
-        project.setValue("the " + std::string(rawValue(field)), field, german, iOS);
+        project.setValue("the " + std::string(rawValue(field)), field, kGerman, kIOS);
     }
 
     EXPECT_EQ(exported(project), (FileContents{
@@ -62,7 +59,7 @@ TEST(FastlaneDeliverExporter, WritesWhatAllLocalesShareBesideThem) {
     Project project;
     project.app.info.primaryCategory = "TRAVEL";
     project.app.info.secondaryCategory = "MZGenre.Photo Video";  // goes out as it stands
-    project.platforms[iOS].version.copyright = "2025 Fernweg GmbH";
+    project.platforms[kIOS].version.copyright = "2025 Fernweg GmbH";
 
     EXPECT_EQ(exported(project), (FileContents{
                                      {"metadata/primary_category.txt", "TRAVEL\n"},
@@ -73,7 +70,7 @@ TEST(FastlaneDeliverExporter, WritesWhatAllLocalesShareBesideThem) {
 
 TEST(FastlaneDeliverExporter, WritesEachReviewFieldToItsFile) {
     Project project;
-    auto& review = project.platforms[iOS].review;
+    auto& review = project.platforms[kIOS].review;
     review.contactFirstName = "Ada";
     review.contactLastName = "Weg";
     review.contactPhone = "+49 30 1234";
@@ -96,22 +93,22 @@ TEST(FastlaneDeliverExporter, WritesEachReviewFieldToItsFile) {
 TEST(FastlaneDeliverExporter, AppendsOneLineFeedToATextAsItStands) {
     for (const char* text : {"a", "a\n", " a ", "a\r\nb", "\n", "日本語 😀"}) {
         SCOPED_TRACE(text);
-        EXPECT_EQ(exported(withName(german, text)),
+        EXPECT_EQ(exported(withName(kGerman, text)),
                   (FileContents{{"metadata/de-DE/name.txt", std::string(text) + "\n"}}));
     }
 }
 
 TEST(FastlaneDeliverExporter, WritesTheLocalesOfTheManifestOnly) {
-    auto project = withName(german, "Fernweg");
-    project.setValue("旅", name, {"ja"}, iOS);
+    auto project = withName(kGerman, "Fernweg");
+    project.setValue("旅", name, {"ja"}, kIOS);
     EXPECT_EQ(exported(project), (FileContents{{"metadata/de-DE/name.txt", "Fernweg\n"}}));
 }
 
 TEST(FastlaneDeliverExporter, WithoutLocalesStillWritesSharedAndReviewFiles) {
     Project project;
-    project.setValue("Fernweg", name, german, iOS);
+    project.setValue("Fernweg", name, kGerman, kIOS);
     project.app.info.primaryCategory = "TRAVEL";
-    project.platforms[iOS].review.notes = "Hello";
+    project.platforms[kIOS].review.notes = "Hello";
     const TemporaryFolder folder;
 
     const auto summary = exportTo(folder.path(), project);
@@ -124,11 +121,11 @@ TEST(FastlaneDeliverExporter, WithoutLocalesStillWritesSharedAndReviewFiles) {
 
 TEST(FastlaneDeliverExporter, CountsLocalesWalkedAndTextFilesWritten) {
     Project project;
-    project.manifest.locales = {german, {"ja"}, {"fr-FR"}};
-    project.setValue("Fernweg", name, german, iOS);
-    project.setValue("Karte", keywords, german, iOS);
-    project.setValue("旅", name, {"ja"}, iOS);
-    project.platforms[iOS].version.copyright = "2025";
+    project.manifest.locales = {kGerman, {"ja"}, {"fr-FR"}};
+    project.setValue("Fernweg", name, kGerman, kIOS);
+    project.setValue("Karte", keywords, kGerman, kIOS);
+    project.setValue("旅", name, {"ja"}, kIOS);
+    project.platforms[kIOS].version.copyright = "2025";
     const TemporaryFolder folder;
 
     FastlaneExportSummary expected;
@@ -140,10 +137,10 @@ TEST(FastlaneDeliverExporter, CountsLocalesWalkedAndTextFilesWritten) {
 
 TEST(FastlaneDeliverExporter, WritesVersionTextsOfTheGivenPlatform) {
     Project project;
-    project.manifest.locales = {german};
-    project.setValue("iOS notes", whatsNew, german, iOS);
-    project.setValue("macOS notes", whatsNew, german, StorePlatform::macOS);
-    project.platforms[iOS].version.copyright = "iOS";
+    project.manifest.locales = {kGerman};
+    project.setValue("iOS notes", whatsNew, kGerman, kIOS);
+    project.setValue("macOS notes", whatsNew, kGerman, StorePlatform::macOS);
+    project.platforms[kIOS].version.copyright = "iOS";
     const TemporaryFolder folder;
 
     FastlaneDeliverExporter::exportListing(project, StorePlatform::macOS, folder.path(), nowhere, nowhere);
@@ -154,19 +151,19 @@ TEST(FastlaneDeliverExporter, WritesVersionTextsOfTheGivenPlatform) {
 TEST(FastlaneDeliverExporter, ReadsAPlatformThatTheProjectLacksAsEmpty) {
     const TemporaryFolder folder;
     const auto summary = FastlaneDeliverExporter::exportListing(
-        withName(german, "Fernweg"), StorePlatform::tvOS, folder.path(), nowhere, nowhere);
+        withName(kGerman, "Fernweg"), StorePlatform::tvOS, folder.path(), nowhere, nowhere);
     EXPECT_EQ(summary.textFileCount, 1u);
 }
 
 TEST(FastlaneDeliverExporter, RemovesTheFileOfATextThatWasCleared) {
-    auto project = withName(german, "Fernweg");
-    project.setValue("Karte", keywords, german, iOS);
-    project.platforms[iOS].version.copyright = "2025";
+    auto project = withName(kGerman, "Fernweg");
+    project.setValue("Karte", keywords, kGerman, kIOS);
+    project.platforms[kIOS].version.copyright = "2025";
     const TemporaryFolder folder;
     exportTo(folder.path(), project);
 
-    project.setValue("", keywords, german, iOS);
-    project.platforms[iOS].version.copyright = std::nullopt;
+    project.setValue("", keywords, kGerman, kIOS);
+    project.platforms[kIOS].version.copyright = std::nullopt;
     const auto summary = exportTo(folder.path(), project);
 
     EXPECT_EQ(summary.textFileCount, 1u);
@@ -175,8 +172,8 @@ TEST(FastlaneDeliverExporter, RemovesTheFileOfATextThatWasCleared) {
 
 TEST(FastlaneDeliverExporter, WithOnlyNotesRemovesTheOtherReviewFiles) {
     Project project;
-    project.platforms[iOS].review.notes = "Hello";
-    project.platforms[iOS].review.contactEmail = "";  // an empty text is no text
+    project.platforms[kIOS].review.notes = "Hello";
+    project.platforms[kIOS].review.contactEmail = "";  // an empty text is no text
     const TemporaryFolder folder;
     for (const auto& row : FastlaneDeliverExporter::reviewFileNames) {
         folder.write(fs::path("metadata/review_information") / row.name, "old\n");
@@ -191,7 +188,7 @@ TEST(FastlaneDeliverExporter, WithOnlyNotesRemovesTheOtherReviewFiles) {
 }
 
 TEST(FastlaneDeliverExporter, CountsAFileThatHoldsTheTextAlreadyWithoutTouchingIt) {
-    const auto project = withName(german, "Fernweg");
+    const auto project = withName(kGerman, "Fernweg");
     const TemporaryFolder folder;
     const auto first = exportTo(folder.path(), project);
     const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(1);
@@ -206,8 +203,8 @@ TEST(FastlaneDeliverExporter, CountsAFileThatHoldsTheTextAlreadyWithoutTouchingI
 
 TEST(FastlaneDeliverExporter, WritesAFileOfTheSameLengthThatHoldsAnotherText) {
     const TemporaryFolder folder;
-    exportTo(folder.path(), withName(german, "Fernweg"));
-    exportTo(folder.path(), withName(german, "Fernwag"));
+    exportTo(folder.path(), withName(kGerman, "Fernweg"));
+    exportTo(folder.path(), withName(kGerman, "Fernwag"));
     EXPECT_EQ(folder.read("metadata/de-DE/name.txt"), "Fernwag\n");
 }
 
@@ -218,14 +215,14 @@ TEST(FastlaneDeliverExporter, LeavesWhatItDoesNotKnowAlone) {
     folder.write("metadata/de-DE/notes.md", "mine");
     const auto before = folder.files();
 
-    exportTo(folder.path(), withName(german, ""));
+    exportTo(folder.path(), withName(kGerman, ""));
 
     EXPECT_EQ(folder.files(), before);
 }
 
 TEST(FastlaneDeliverExporter, MakesTheTargetFolderWithItsParents) {
     const TemporaryFolder folder;
-    exportTo(folder / "a/b", withName(german, "Fernweg"));
+    exportTo(folder / "a/b", withName(kGerman, "Fernweg"));
     EXPECT_EQ(folder.files(), (FileContents{{"a/b/metadata/de-DE/name.txt", "Fernweg\n"}}));
 }
 
@@ -234,10 +231,10 @@ TEST(FastlaneDeliverExporter, RefusesALocaleThatCannotBeAFoldersNameBeforeItWrit
     for (const auto& locale : names) {
         SCOPED_TRACE(locale);
         const TemporaryFolder folder;
-        auto inManifest = withName(german, "Fernweg");
+        auto inManifest = withName(kGerman, "Fernweg");
         inManifest.manifest.locales.push_back({locale});
-        auto inMedia = withName(german, "Fernweg");
-        Media::setItems(inMedia.platforms[iOS].media, {locale}, iPhone, {MediaItem::file("a.png")});
+        auto inMedia = withName(kGerman, "Fernweg");
+        Media::setItems(inMedia.platforms[kIOS].media, {locale}, kSlot, {MediaItem::file("a.png")});
 
         for (const auto& project : {inManifest, inMedia}) {
             try {
@@ -252,15 +249,14 @@ TEST(FastlaneDeliverExporter, RefusesALocaleThatCannotBeAFoldersNameBeforeItWrit
 }
 
 TEST(FastlaneDeliverExporter, DoesNotMindALocaleThatItDoesNotExport) {
-    auto project = withName(german, "Fernweg");
-    Media::setItems(project.platforms[StorePlatform::macOS].media, {".."}, iPhone,
-                    {MediaItem::file("a.png")});
+    auto project = withName(kGerman, "Fernweg");
+    Media::setItems(project.platforms[StorePlatform::macOS].media, {".."}, kSlot, {MediaItem::file("a.png")});
     EXPECT_EQ(exported(project).size(), 1u);
 }
 
 TEST(FastlaneDeliverExporter, RefusesAFolderThatIsALinkBeforeItWrites) {
-    auto project = withName(german, "Fernweg");
-    Media::setItems(project.platforms[iOS].media, german, iPhone, {MediaItem::file("a.png")});
+    auto project = withName(kGerman, "Fernweg");
+    Media::setItems(project.platforms[kIOS].media, kGerman, kSlot, {MediaItem::file("a.png")});
     for (const char* link :
          {"metadata", "metadata/de-DE", "metadata/review_information", "screenshots", "screenshots/de-DE"}) {
         SCOPED_TRACE(link);
@@ -284,7 +280,7 @@ TEST(FastlaneDeliverExporter, WritesIntoATargetThatIsALink) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "real");
     fs::create_directory_symlink("real", folder / "link");
-    exportTo(folder / "link", withName(german, "Fernweg"));
+    exportTo(folder / "link", withName(kGerman, "Fernweg"));
     EXPECT_EQ(folder.read("real/metadata/de-DE/name.txt"), "Fernweg\n");
 }
 
@@ -295,7 +291,7 @@ TEST(FastlaneDeliverExporter, ReplacesALinkInPlaceOfATextFile) {
     fs::create_symlink(folder / "mine.txt", folder / "out/metadata/de-DE/name.txt");
     fs::create_symlink(folder / "mine.txt", folder / "out/metadata/de-DE/keywords.txt");  // its text is empty
 
-    exportTo(folder / "out", withName(german, "Fernweg"));
+    exportTo(folder / "out", withName(kGerman, "Fernweg"));
 
     EXPECT_EQ(folder.files(),
               (FileContents{{"mine.txt", "untouched"}, {"out/metadata/de-DE/name.txt", "Fernweg\n"}}));
@@ -303,8 +299,8 @@ TEST(FastlaneDeliverExporter, ReplacesALinkInPlaceOfATextFile) {
 }
 
 TEST(FastlaneDeliverExporter, StopsWithTheFileSystemsErrorAndKeepsWhatIsWritten) {
-    auto project = withName(german, "Fernweg");
-    project.setValue("Karte", keywords, german, iOS);
+    auto project = withName(kGerman, "Fernweg");
+    project.setValue("Karte", keywords, kGerman, kIOS);
     const TemporaryFolder folder;
     folder.write("metadata/de-DE/keywords.txt/in the way", "");
 
@@ -322,7 +318,7 @@ TEST(FastlaneDeliverExporter, StopsWithTheFileSystemsErrorAndKeepsWhatIsWritten)
 TEST(FastlaneDeliverExporter, LeavesAFolderInPlaceOfAnEmptyTextAlone) {
     const TemporaryFolder folder;
     folder.write("metadata/de-DE/keywords.txt/mine", "");
-    exportTo(folder.path(), withName(german, "Fernweg"));
+    exportTo(folder.path(), withName(kGerman, "Fernweg"));
     EXPECT_TRUE(folder.has("metadata/de-DE/keywords.txt/mine"));
 }
 

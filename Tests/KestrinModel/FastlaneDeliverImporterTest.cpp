@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include "KestrinCore/FileError.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace kestrin {
@@ -12,11 +13,8 @@ namespace {
 namespace fs = std::filesystem;
 using enum ListingField;
 
-const StoreLocale german{"de-DE"};
-const StorePlatform iOS = StorePlatform::iOS;
-
 Project imported(const TemporaryFolder& folder, Project into = {}) {
-    FastlaneDeliverImporter::importListing(folder.path(), into, iOS);
+    FastlaneDeliverImporter::importListing(folder.path(), into, kIOS);
     return into;
 }
 
@@ -30,7 +28,7 @@ std::vector<std::string> rawValues(const std::vector<StoreLocale>& locales) {
 std::string nameImportedFrom(std::string_view bytes) {
     const TemporaryFolder folder;
     folder.write("de-DE/name.txt", bytes);
-    return imported(folder).value(name, german, iOS);
+    return imported(folder).value(name, kGerman, kIOS);
 }
 
 TEST(FastlaneDeliverImporter, ReadsEachFieldOfALocaleFromItsFile) {
@@ -54,9 +52,9 @@ TEST(FastlaneDeliverImporter, ReadsEachFieldOfALocaleFromItsFile) {
         const TemporaryFolder folder;
         folder.write(fs::path("metadata/de-DE") / row.file, "Text\n");
         Project expected;
-        expected.manifest.locales = {german};
-        expected.manifest.platforms = {iOS};
-        expected.setValue("Text", row.field, german, iOS);
+        expected.manifest.locales = {kGerman};
+        expected.manifest.platforms = {kIOS};
+        expected.setValue("Text", row.field, kGerman, kIOS);
 
         EXPECT_EQ(imported(folder), expected);
     }
@@ -73,15 +71,15 @@ TEST(FastlaneDeliverImporter, ReadsVersionTextsIntoTheGivenPlatform) {
 
     FastlaneDeliverImporter::importListing(folder.path(), project, StorePlatform::macOS);
 
-    EXPECT_EQ(project.value(keywords, german, StorePlatform::macOS), "Karte,Weg");
-    EXPECT_FALSE(project.platforms.contains(iOS));
+    EXPECT_EQ(project.value(keywords, kGerman, StorePlatform::macOS), "Karte,Weg");
+    EXPECT_FALSE(project.platforms.contains(kIOS));
     EXPECT_EQ(project.manifest.platforms, std::vector{StorePlatform::macOS});
 }
 
 TEST(FastlaneDeliverImporter, TakesAFolderWithoutMetadataForTheMetadataFolderItself) {
     const TemporaryFolder folder;
     folder.write("de-DE/name.txt", "Fernweg");
-    EXPECT_EQ(imported(folder).value(name, german, iOS), "Fernweg");
+    EXPECT_EQ(imported(folder).value(name, kGerman, kIOS), "Fernweg");
 }
 
 TEST(FastlaneDeliverImporter, LooksNowhereElseWhenThereIsAMetadataFolder) {
@@ -100,7 +98,7 @@ TEST(FastlaneDeliverImporter, PassesOverAFileNamedMetadata) {
     const TemporaryFolder folder;
     folder.write("metadata", "");
     folder.write("de-DE/name.txt", "Fernweg");
-    EXPECT_EQ(imported(folder).value(name, german, iOS), "Fernweg");
+    EXPECT_EQ(imported(folder).value(name, kGerman, kIOS), "Fernweg");
 }
 
 TEST(FastlaneDeliverImporter, KnowsTheFolderOfALocaleByItsWholeName) {
@@ -145,8 +143,8 @@ TEST(FastlaneDeliverImporter, FollowsLinksToFoldersAndFiles) {
 
     const auto project = imported(folder);
 
-    EXPECT_EQ(project.value(name, german, iOS), "Fernweg");
-    EXPECT_EQ(project.value(keywords, german, iOS), "Karte");
+    EXPECT_EQ(project.value(name, kGerman, kIOS), "Fernweg");
+    EXPECT_EQ(project.value(keywords, kGerman, kIOS), "Karte");
 }
 
 TEST(FastlaneDeliverImporter, LaysTheTextsOfALocaleOverTheDefaults) {
@@ -158,10 +156,10 @@ TEST(FastlaneDeliverImporter, LaysTheTextsOfALocaleOverTheDefaults) {
 
     const auto project = imported(folder);
 
-    EXPECT_EQ(project.value(name, german, iOS), "Fernweg");
-    EXPECT_EQ(project.value(name, {"fr-FR"}, iOS), "Wayfarer");
-    EXPECT_EQ(project.value(supportUrl, german, iOS), "https://example.com");
-    EXPECT_EQ(project.value(supportUrl, {"fr-FR"}, iOS), "https://example.com");
+    EXPECT_EQ(project.value(name, kGerman, kIOS), "Fernweg");
+    EXPECT_EQ(project.value(name, {"fr-FR"}, kIOS), "Wayfarer");
+    EXPECT_EQ(project.value(supportUrl, kGerman, kIOS), "https://example.com");
+    EXPECT_EQ(project.value(supportUrl, {"fr-FR"}, kIOS), "https://example.com");
 }
 
 TEST(FastlaneDeliverImporter, KeepsTheDefaultWhereALocalesFileIsEmpty) {
@@ -170,7 +168,7 @@ TEST(FastlaneDeliverImporter, KeepsTheDefaultWhereALocalesFileIsEmpty) {
         const TemporaryFolder folder;
         folder.write("default/name.txt", "Wayfarer");
         folder.write("de-DE/name.txt", nothing);
-        EXPECT_EQ(imported(folder).value(name, german, iOS), "Wayfarer");
+        EXPECT_EQ(imported(folder).value(name, kGerman, kIOS), "Wayfarer");
     }
 }
 
@@ -178,7 +176,7 @@ TEST(FastlaneDeliverImporter, GivesALocaleWithAnEmptyFolderTheDefaults) {
     const TemporaryFolder folder;
     folder.write("default/name.txt", "Wayfarer");
     fs::create_directory(folder / "de-DE");
-    EXPECT_EQ(imported(folder).value(name, german, iOS), "Wayfarer");
+    EXPECT_EQ(imported(folder).value(name, kGerman, kIOS), "Wayfarer");
 }
 
 TEST(FastlaneDeliverImporter, NotesALocaleThatHasNoTextsInTheManifestOnly) {
@@ -187,7 +185,7 @@ TEST(FastlaneDeliverImporter, NotesALocaleThatHasNoTextsInTheManifestOnly) {
 
     const auto project = imported(folder);
 
-    EXPECT_EQ(project.manifest.locales, std::vector{german});
+    EXPECT_EQ(project.manifest.locales, std::vector{kGerman});
     EXPECT_TRUE(project.app.locales.empty());
     EXPECT_TRUE(project.platforms.empty());
 }
@@ -255,7 +253,7 @@ TEST(FastlaneDeliverImporter, CountsWhatIsNoFileAsMissing) {
     const auto project = imported(folder);
 
     for (const char* locale : {"de", "fr", "it", "ja", "ko"}) {
-        EXPECT_EQ(project.value(name, {locale}, iOS), "Wayfarer") << locale;
+        EXPECT_EQ(project.value(name, {locale}, kIOS), "Wayfarer") << locale;
     }
 }
 
@@ -276,20 +274,20 @@ TEST(FastlaneDeliverImporter, AddsThePlatformAndSortsThem) {
     project.manifest.platforms = {StorePlatform::tvOS, StorePlatform::macOS};
 
     EXPECT_EQ(imported(folder, project).manifest.platforms,
-              (std::vector{iOS, StorePlatform::macOS, StorePlatform::tvOS}));
+              (std::vector{kIOS, StorePlatform::macOS, StorePlatform::tvOS}));
 }
 
 TEST(FastlaneDeliverImporter, LeavesPlatformsThatHaveItAsTheyStand) {
     const TemporaryFolder folder;
     Project project;
-    project.manifest.platforms = {StorePlatform::tvOS, iOS};
+    project.manifest.platforms = {StorePlatform::tvOS, kIOS};
     EXPECT_EQ(imported(folder, project).manifest.platforms, project.manifest.platforms);
 }
 
 TEST(FastlaneDeliverImporter, ReadsTheCopyright) {
     const TemporaryFolder folder;
     folder.write("copyright.txt", "2025 Fernweg GmbH\n");
-    EXPECT_EQ(imported(folder)[iOS].version.copyright, "2025 Fernweg GmbH");
+    EXPECT_EQ(imported(folder)[kIOS].version.copyright, "2025 Fernweg GmbH");
 }
 
 TEST(FastlaneDeliverImporter, TurnsCategoriesIntoIdentifiers) {
@@ -338,7 +336,7 @@ TEST(FastlaneDeliverImporter, ReadsEachReviewFieldFromItsFile) {
     expected.demoAccountName = "demo";
     expected.notes = "First\nsecond";
 
-    EXPECT_EQ(imported(folder)[iOS].review, expected);
+    EXPECT_EQ(imported(folder)[kIOS].review, expected);
 }
 
 TEST(FastlaneDeliverImporter, LeavesAReviewFieldWithoutAReadableTextAsItWas) {
@@ -346,7 +344,7 @@ TEST(FastlaneDeliverImporter, LeavesAReviewFieldWithoutAReadableTextAsItWas) {
     folder.write("review_information/first_name.txt", "\n");
     folder.write("review_information/last_name.txt", "\xFF");
     Project project;
-    auto& review = project.platforms[iOS].review;
+    auto& review = project.platforms[kIOS].review;
     review.contactFirstName = "Ada";
     review.contactLastName = "Weg";
     review.notes = "Hello";
@@ -360,18 +358,18 @@ TEST(FastlaneDeliverImporter, OverwritesWhatTheFolderHasAndKeepsTheRest) {
     folder.write("de-DE/name.txt", "Fernweg");
     folder.write("copyright.txt", "2025");
     Project project;
-    project.manifest.locales = {german, {"ja"}};
-    project.manifest.platforms = {iOS};
-    project.setValue("Old name", name, german, iOS);
-    project.setValue("Old subtitle", subtitle, german, iOS);
-    project.setValue("旅", name, {"ja"}, iOS);
+    project.manifest.locales = {kGerman, {"ja"}};
+    project.manifest.platforms = {kIOS};
+    project.setValue("Old name", name, kGerman, kIOS);
+    project.setValue("Old subtitle", subtitle, kGerman, kIOS);
+    project.setValue("旅", name, {"ja"}, kIOS);
     project.app.info.primaryCategory = "TRAVEL";
-    project.platforms[iOS].version = {"1.2", "2024", "MANUAL", {{"later", JSONValue(true)}}};
-    Media::setItems(project.platforms[iOS].media, german, {"IPHONE_67", "APP_SCREENSHOT"},
+    project.platforms[kIOS].version = {"1.2", "2024", "MANUAL", {{"later", JSONValue(true)}}};
+    Media::setItems(project.platforms[kIOS].media, kGerman, {"IPHONE_67", "APP_SCREENSHOT"},
                     {MediaItem::file("Media/a.png")});
     auto expected = project;
-    expected.setValue("Fernweg", name, german, iOS);
-    expected.platforms[iOS].version.copyright = "2025";
+    expected.setValue("Fernweg", name, kGerman, kIOS);
+    expected.platforms[kIOS].version.copyright = "2025";
 
     EXPECT_EQ(imported(folder, project), expected);
 }
@@ -380,20 +378,20 @@ TEST(FastlaneDeliverImporter, BringsInNoMedia) {
     const TemporaryFolder folder;
     folder.write("metadata/de-DE/name.txt", "Fernweg");
     folder.write("screenshots/de-DE/01_iphone_67_hero.png", "png");
-    EXPECT_TRUE(imported(folder)[iOS].media.empty());
+    EXPECT_TRUE(imported(folder)[kIOS].media.empty());
 }
 
 TEST(FastlaneDeliverImporter, FailsWhenTheFolderCannotBeListedAndLeavesTheProjectAlone) {
     const TemporaryFolder folder;
     folder.write("file", "");
     Project project;
-    project.setValue("Name", name, german, iOS);
+    project.setValue("Name", name, kGerman, kIOS);
 
     for (const char* missing : {"nowhere", "file"}) {
         SCOPED_TRACE(missing);
         auto target = project;
         try {
-            FastlaneDeliverImporter::importListing(folder / missing, target, iOS);
+            FastlaneDeliverImporter::importListing(folder / missing, target, kIOS);
             ADD_FAILURE() << "the import succeeded";
         } catch (const FileError& error) {
             EXPECT_EQ(error.operation, FileError::Operation::list);
@@ -409,7 +407,7 @@ TEST(FastlaneDeliverImporter, RefusesAFolderWhoseTextsWouldFillTheMemory) {
     for (const char* locale : {"de", "en", "fr"}) fs::create_directory(folder / locale);
     Project project;
 
-    EXPECT_THROW(FastlaneDeliverImporter::importListing(folder.path(), project, iOS), FileTooLargeError);
+    EXPECT_THROW(FastlaneDeliverImporter::importListing(folder.path(), project, kIOS), FileTooLargeError);
     EXPECT_EQ(project, Project{});
 }
 

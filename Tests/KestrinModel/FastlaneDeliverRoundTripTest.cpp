@@ -5,14 +5,13 @@
 #include "KestrinCore/UnicodeText.h"
 #include "KestrinModel/FastlaneDeliverExporter.h"
 #include "KestrinModel/FastlaneDeliverImporter.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace kestrin {
 namespace {
 
 namespace fs = std::filesystem;
-
-const StorePlatform iOS = StorePlatform::iOS;
 
 // Texts that come back: no carriage return, no byte order mark at the beginning, no white space at the end.
 rc::Gen<std::string> keptText() {
@@ -44,43 +43,43 @@ rc::Gen<Project> deliverableProject() {
             const StoreLocale locale{rawValue};
             for (const auto& row : FastlaneDeliverImporter::fileNames) {
                 if (auto text = *perhaps(keptText()); !text.empty()) {
-                    project.setValue(text, row.field, locale, iOS);
+                    project.setValue(text, row.field, locale, kIOS);
                 }
             }
-            project.setValue("Name", ListingField::name, locale, iOS);  // no text, no folder, no locale
+            project.setValue("Name", ListingField::name, locale, kIOS);  // no text, no folder, no locale
             project.manifest.locales.push_back(locale);
         }
-        project.manifest.platforms = {iOS};
+        project.manifest.platforms = {kIOS};
         project.app.info.primaryCategory =
             present(*rc::gen::element<std::string>("", "TRAVEL", "PHOTO_VIDEO"));
         project.app.info.secondaryCategory = present(*rc::gen::element<std::string>("", "GAMES"));
         if (auto copyright = present(*perhaps(keptText())))
-            project.platforms[iOS].version.copyright = copyright;
+            project.platforms[kIOS].version.copyright = copyright;
         for (const auto& row : FastlaneDeliverExporter::reviewFileNames) {
-            if (auto text = present(*perhaps(keptText()))) project.platforms[iOS].review.*row.field = text;
+            if (auto text = present(*perhaps(keptText()))) project.platforms[kIOS].review.*row.field = text;
         }
         return project;
     });
 }
 
-std::optional<fs::path> nowhere(const std::string&) {
+std::optional<fs::path> noFile(const std::string&) {
     return std::nullopt;
 }
 
-FastlaneExportSummary exportTo(const TemporaryFolder& folder, const Project& project) {
-    return FastlaneDeliverExporter::exportListing(project, iOS, folder.path(), nowhere, nowhere);
+FastlaneExportSummary exportInto(const TemporaryFolder& folder, const Project& project) {
+    return FastlaneDeliverExporter::exportListing(project, kIOS, folder.path(), noFile, noFile);
 }
 
 Project importFrom(const TemporaryFolder& folder) {
     Project project;
-    FastlaneDeliverImporter::importListing(folder.path(), project, iOS);
+    FastlaneDeliverImporter::importListing(folder.path(), project, kIOS);
     return project;
 }
 
 RC_GTEST_PROP(FastlaneDeliverRoundTrip, AnExportImportedIntoAnEmptyProjectIsTheProject, ()) {
     const auto project = *deliverableProject();
     const TemporaryFolder folder;
-    exportTo(folder, project);
+    exportInto(folder, project);
     RC_ASSERT(importFrom(folder) == project);
 }
 
@@ -88,10 +87,10 @@ RC_GTEST_PROP(FastlaneDeliverRoundTrip, ASecondExportWritesTheSameBytes, ()) {
     const auto project = *deliverableProject();
     const TemporaryFolder folder, other;
 
-    const auto first = exportTo(folder, project);
+    const auto first = exportInto(folder, project);
     const auto files = folder.files();
-    const auto second = exportTo(folder, project);
-    exportTo(other, importFrom(folder));
+    const auto second = exportInto(folder, project);
+    exportInto(other, importFrom(folder));
 
     RC_ASSERT(first == second);
     RC_ASSERT(first.textFileCount == files.size());
@@ -105,9 +104,9 @@ RC_GTEST_PROP(FastlaneDeliverRoundTrip, AnExportOverAnotherIsLikeOneIntoAnEmptyF
     const TemporaryFolder folder, fresh;
     before.manifest.locales = after.manifest.locales;
 
-    exportTo(folder, before);
-    exportTo(folder, after);
-    exportTo(fresh, after);
+    exportInto(folder, before);
+    exportInto(folder, after);
+    exportInto(fresh, after);
 
     RC_ASSERT(folder.files() == fresh.files());
 }
@@ -129,10 +128,10 @@ TEST(FastlaneDeliverRoundTrip, LosesExactlyWhatTheExportSaysItLoses) {
         SCOPED_TRACE(row.when);
         Project project;
         project.manifest.locales = {german};
-        project.setValue(row.text, ListingField::description, german, iOS);
+        project.setValue(row.text, ListingField::description, german, kIOS);
         const TemporaryFolder folder;
-        exportTo(folder, project);
-        EXPECT_EQ(importFrom(folder).value(ListingField::description, german, iOS), row.back);
+        exportInto(folder, project);
+        EXPECT_EQ(importFrom(folder).value(ListingField::description, german, kIOS), row.back);
     }
 }
 

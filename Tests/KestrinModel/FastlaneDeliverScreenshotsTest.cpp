@@ -2,6 +2,7 @@
 
 #include "KestrinCore/FileError.h"
 #include "KestrinModel/FastlaneDeliverExporter.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace kestrin {
@@ -10,8 +11,6 @@ namespace {
 namespace fs = std::filesystem;
 using FileContents = std::map<std::string, std::string>;
 
-const StoreLocale german{"de-DE"};
-const StorePlatform iOS = StorePlatform::iOS;
 const PlacementSlot iPhone{"IPHONE_67", "APP_SCREENSHOT"};
 const PlacementSlot iPad{"IPAD_129", "APP_SCREENSHOT"};
 const PlacementSlot iPhonePreview{"IPHONE_67", "APP_PREVIEW"};
@@ -22,7 +21,7 @@ struct MediaProject {
     TemporaryFolder own, copies, target;
 
     void put(const StoreLocale& locale, const PlacementSlot& slot, MediaItems items) {
-        Media::setItems(project.platforms[iOS].media, locale, slot, std::move(items));
+        Media::setItems(project.platforms[kIOS].media, locale, slot, std::move(items));
     }
 
     // An asset's copy is the file of "copies" whose name is the asset's ID.
@@ -31,7 +30,7 @@ struct MediaProject {
         const auto copyOf = [&](const std::string& id) -> std::optional<fs::path> {
             return copies.has(id) ? std::optional(copies / id) : std::nullopt;
         };
-        return FastlaneDeliverExporter::exportListing(project, iOS, target.path(), locate, copyOf);
+        return FastlaneDeliverExporter::exportListing(project, kIOS, target.path(), locate, copyOf);
     }
 
     // The names below "screenshots" after an export.
@@ -50,7 +49,7 @@ using Names = std::vector<std::string>;
 TEST(FastlaneDeliverScreenshots, AreNumberedAndNamedAfterTheirSlotAndFile) {
     MediaProject media;
     media.own.write("Media/hero.png", "bytes");
-    media.put(german, iPhone, {MediaItem::file("Media/hero.png")});
+    media.put(kGerman, iPhone, {MediaItem::file("Media/hero.png")});
 
     const auto summary = media.run();
 
@@ -61,8 +60,8 @@ TEST(FastlaneDeliverScreenshots, AreNumberedAndNamedAfterTheirSlotAndFile) {
 TEST(FastlaneDeliverScreenshots, AreNumberedThroughTheSlotsOfALocaleInOrder) {
     MediaProject media;
     for (const char* file : {"a.png", "b.png", "c.png"}) media.own.write(file, file);
-    media.put(german, iPhone, {MediaItem::file("c.png"), MediaItem::file("a.png")});
-    media.put(german, iPad, {MediaItem::file("b.png")});
+    media.put(kGerman, iPhone, {MediaItem::file("c.png"), MediaItem::file("a.png")});
+    media.put(kGerman, iPad, {MediaItem::file("b.png")});
     media.put({"ja"}, iPhone, {MediaItem::file("a.png")});
 
     EXPECT_EQ(media.names(), (Names{"de-DE/01_ipad_129_b.png", "de-DE/02_iphone_67_c.png",
@@ -72,7 +71,7 @@ TEST(FastlaneDeliverScreenshots, AreNumberedThroughTheSlotsOfALocaleInOrder) {
 TEST(FastlaneDeliverScreenshots, AreThoseOfTheGivenPlatform) {
     MediaProject media;
     media.own.write("a.png", "");
-    Media::setItems(media.project.platforms[StorePlatform::macOS].media, german, iPhone,
+    Media::setItems(media.project.platforms[StorePlatform::macOS].media, kGerman, iPhone,
                     {MediaItem::file("a.png")});
     EXPECT_EQ(media.run(), FastlaneExportSummary{});
 }
@@ -80,7 +79,7 @@ TEST(FastlaneDeliverScreenshots, AreThoseOfTheGivenPlatform) {
 TEST(FastlaneDeliverScreenshots, NeedNoLocaleInTheManifest) {
     MediaProject media;
     media.own.write("a.png", "");
-    media.put(german, iPhone, {MediaItem::file("a.png")});
+    media.put(kGerman, iPhone, {MediaItem::file("a.png")});
     ASSERT_TRUE(media.project.manifest.locales.empty());
     EXPECT_EQ(media.run().screenshotCount, 1u);
 }
@@ -88,7 +87,7 @@ TEST(FastlaneDeliverScreenshots, NeedNoLocaleInTheManifest) {
 TEST(FastlaneDeliverScreenshots, HaveNumbersOfAtLeastTwoDigits) {
     MediaProject media;
     media.own.write("a.png", "");
-    media.put(german, iPhone, MediaItems(1001, MediaItem::file("a.png")));
+    media.put(kGerman, iPhone, MediaItems(1001, MediaItem::file("a.png")));
 
     media.run();
 
@@ -102,9 +101,9 @@ TEST(FastlaneDeliverScreenshots, LeaveOtherMediaBehindAndCounted) {
     MediaProject media;
     for (const char* file : {"a.mp4", "b.mp4", "c.png"}) media.own.write(file, "");
     media.copies.write("asset", "");
-    media.put(german, iPhonePreview,
+    media.put(kGerman, iPhonePreview,
               {MediaItem::file("a.mp4"), MediaItem::file("b.mp4"), MediaItem::remote("asset", "x.mp4")});
-    media.put(german, iPhone, {MediaItem::file("c.png")});
+    media.put(kGerman, iPhone, {MediaItem::file("c.png")});
 
     const auto summary = media.run();
 
@@ -117,7 +116,7 @@ TEST(FastlaneDeliverScreenshots, WithoutAReadableFileAreListedAndTakeNoNumber) {
     fs::create_directory(media.own / "folder.png");
     fs::create_symlink("nothing", media.own / "dangling.png");
     media.own.write("there.png", "");
-    media.put(german, iPhone,
+    media.put(kGerman, iPhone,
               {MediaItem::file("gone.png"), MediaItem::file("folder.png"), MediaItem::file("dangling.png"),
                MediaItem::file("there.png")});
 
@@ -130,11 +129,11 @@ TEST(FastlaneDeliverScreenshots, WithoutAReadableFileAreListedAndTakeNoNumber) {
 
 TEST(FastlaneDeliverScreenshots, ThatAreNotLocatedAreListed) {
     MediaProject media;
-    media.put(german, iPhone, {MediaItem::file("a.png")});
+    media.put(kGerman, iPhone, {MediaItem::file("a.png")});
     const auto nowhere = [](const std::string&) { return std::optional<fs::path>(); };
 
     const auto summary =
-        FastlaneDeliverExporter::exportListing(media.project, iOS, media.target.path(), nowhere, nowhere);
+        FastlaneDeliverExporter::exportListing(media.project, kIOS, media.target.path(), nowhere, nowhere);
 
     EXPECT_EQ(summary.missingFiles, Names{"a.png"});
     EXPECT_FALSE(media.target.has("screenshots"));
@@ -143,7 +142,7 @@ TEST(FastlaneDeliverScreenshots, ThatAreNotLocatedAreListed) {
 TEST(FastlaneDeliverScreenshots, WithoutALocalCopyAreCountedAndTakeNoNumber) {
     MediaProject media;
     media.copies.write("here.png", "copy");
-    media.put(german, iPhone,
+    media.put(kGerman, iPhone,
               {MediaItem::remote("A1", "first.png"), MediaItem::remote("here.png", "second.png")});
 
     const auto summary = media.run();
@@ -173,7 +172,7 @@ TEST(FastlaneDeliverScreenshots, OfAnAssetHaveItsNameAndTheExtensionOfTheCopy) {
         SCOPED_TRACE(row.when);
         MediaProject media;
         media.copies.write(row.copy, "");
-        media.put(german, iPhone, {MediaItem::remote(row.copy, row.fileName)});
+        media.put(kGerman, iPhone, {MediaItem::remote(row.copy, row.fileName)});
         EXPECT_EQ(media.names(), Names{std::string("de-DE/01_iphone_67_") + row.name});
     }
 }
@@ -195,7 +194,7 @@ TEST(FastlaneDeliverScreenshots, StayInTheFolderOfTheirLocaleWhateverTheirGroupI
         SCOPED_TRACE(row.name);
         MediaProject media;
         media.own.write("a.png", "");
-        media.put(german, {row.group, "APP_SCREENSHOT"}, {MediaItem::file("a.png")});
+        media.put(kGerman, {row.group, "APP_SCREENSHOT"}, {MediaItem::file("a.png")});
         EXPECT_EQ(media.names(), Names{std::string("de-DE/") + row.name});
     }
 }
@@ -203,7 +202,7 @@ TEST(FastlaneDeliverScreenshots, StayInTheFolderOfTheirLocaleWhateverTheirGroupI
 TEST(FastlaneDeliverScreenshots, HaveNoNULFromTheNameOfAnAsset) {
     MediaProject media;
     media.copies.write("x.png", "");
-    media.put(german, iPhone, {MediaItem::remote("x.png", std::string("a\0/b.png", 8))});
+    media.put(kGerman, iPhone, {MediaItem::remote("x.png", std::string("a\0/b.png", 8))});
     EXPECT_EQ(media.names(), Names{"de-DE/01_iphone_67_a--b.png"});
 }
 
@@ -211,11 +210,11 @@ TEST(FastlaneDeliverScreenshots, ReplaceThoseOfTheSameNameAndLeaveHigherNumbers)
     MediaProject media;
     media.own.write("a.png", "old");
     media.own.write("b.png", "b");
-    media.put(german, iPhone, {MediaItem::file("a.png"), MediaItem::file("b.png")});
+    media.put(kGerman, iPhone, {MediaItem::file("a.png"), MediaItem::file("b.png")});
     media.run();
 
     media.own.write("a.png", "new");
-    media.put(german, iPhone, {MediaItem::file("a.png")});
+    media.put(kGerman, iPhone, {MediaItem::file("a.png")});
     EXPECT_EQ(media.run().screenshotCount, 1u);
 
     EXPECT_EQ(media.target.files(), (FileContents{{"screenshots/de-DE/01_iphone_67_a.png", "new"},
@@ -225,7 +224,7 @@ TEST(FastlaneDeliverScreenshots, ReplaceThoseOfTheSameNameAndLeaveHigherNumbers)
 TEST(FastlaneDeliverScreenshots, ReplaceALinkAndNotWhatItPointsAt) {
     MediaProject media;
     media.own.write("a.png", "new");
-    media.put(german, iPhone, {MediaItem::file("a.png")});
+    media.put(kGerman, iPhone, {MediaItem::file("a.png")});
     const TemporaryFolder elsewhere;
     elsewhere.write("mine.png", "untouched");
     fs::create_directories(media.target / "screenshots/de-DE");
@@ -253,12 +252,12 @@ TEST(FastlaneDeliverScreenshots, StopTheExportWithTheFileSystemsError) {
         MediaProject media;
         if (row.copyExists) media.copies.write("x.png", "");
         media.own.write("a.png", "kept");
-        media.put(german, iPhone, {MediaItem::file("a.png"), MediaItem::remote("x.png", row.fileName)});
+        media.put(kGerman, iPhone, {MediaItem::file("a.png"), MediaItem::remote("x.png", row.fileName)});
         const auto locate = [&](const std::string& path) { return std::optional(media.own / path); };
         const auto copyOf = [&](const std::string& id) { return std::optional(media.copies / id); };
 
         try {
-            FastlaneDeliverExporter::exportListing(media.project, iOS, media.target.path(), locate, copyOf);
+            FastlaneDeliverExporter::exportListing(media.project, kIOS, media.target.path(), locate, copyOf);
             ADD_FAILURE() << "the export succeeded";
         } catch (const FileError& error) {
             EXPECT_EQ(error.operation, row.operation);

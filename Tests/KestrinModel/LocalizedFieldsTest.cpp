@@ -1,4 +1,5 @@
 #include "KestrinModel/LocalizedFields.h"
+#include "Tests/Support/ListingNames.h"
 
 #include <gtest/gtest.h>
 
@@ -39,8 +40,6 @@ TEST(LocalizedFields, WithUnknownMembersAreNotEmpty) {
     EXPECT_FALSE(fields.isEmpty());
     EXPECT_TRUE(LocalizedFields({{name, ""}}).isEmpty());
 }
-
-const StoreLocale kGerman{"de-DE"};
 
 TEST(Texts, OfALocaleThatIsNotThereAreEmpty) {
     const LocalizedTexts locales;

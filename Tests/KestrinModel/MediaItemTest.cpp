@@ -6,6 +6,7 @@
 
 #include "KestrinCore/StableJSON.h"
 #include "Tests/Support/Generators.h"
+#include "Tests/Support/ListingNames.h"
 
 namespace kestrin {
 namespace {
@@ -145,7 +146,6 @@ RC_GTEST_PROP(MediaItemProperty, IsReadBackFromItsJSONAndItsToken, ()) {
     RC_ASSERT(MediaItem::fromToken(item.token(), item.fileName()) == item);
 }
 
-const StoreLocale kGerman{"de-DE"}, kFrench{"fr-FR"};
 const PlacementSlot kPhone{"screenshots", "APP_IPHONE_67"}, kPad{"screenshots", "APP_IPAD_PRO_129"};
 
 TEST(Media, OfALocaleAndSlotThatIsNotThereIsEmpty) {

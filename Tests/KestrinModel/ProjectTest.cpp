@@ -5,13 +5,12 @@
 #include <rapidcheck/gtest.h>
 
 #include "Tests/Support/Generators.h"
+#include "Tests/Support/ListingNames.h"
 
 namespace kestrin {
 namespace {
 
 using enum ListingField;
-
-const StoreLocale kGerman{"de-DE"};
 
 TEST(Project, HasAnEmptyListingForAPlatformThatIsNotThere) {
     Project project;

@@ -6,14 +6,14 @@
 namespace kestrin {
 namespace {
 
-struct Row {
+struct TextRow {
     const char* when;
     std::string_view before;
     std::string_view after;
 };
 
 TEST(TextFile, NormalizesEveryLineEndToALineFeed) {
-    const Row rows[] = {
+    const TextRow rows[] = {
         {"line feeds stay", "a\nb\n", "a\nb\n"},
         {"CR LF is one line end", "a\r\nb\r\n", "a\nb\n"},
         {"a lone CR is one too", "a\rb\r", "a\nb\n"},
@@ -22,14 +22,14 @@ TEST(TextFile, NormalizesEveryLineEndToALineFeed) {
         {"nothing stays nothing", "", ""},
         {"other line separators are text", "a\u2028b\u0085c", "a\u2028b\u0085c"},
     };
-    for (const Row& row : rows) {
+    for (const TextRow& row : rows) {
         SCOPED_TRACE(row.when);
         EXPECT_EQ(TextFile::normalizeLineEndings(row.before), row.after);
     }
 }
 
 TEST(TextFile, DecodesWithoutOneFinalLineFeed) {
-    const Row rows[] = {
+    const TextRow rows[] = {
         {"the final line feed goes", "a\nb\n", "a\nb"},
         {"only one of several", "a\n\n\n", "a\n\n"},
         {"CR LF counts as one line feed", "a\r\nb\r\n", "a\nb"},
@@ -43,20 +43,20 @@ TEST(TextFile, DecodesWithoutOneFinalLineFeed) {
         {"a sequence cut short is repaired as one", "a\xE2\x80", "a\uFFFD"},
         {"NUL is text", std::string_view("a\0b\n", 4), std::string_view("a\0b", 3)},
     };
-    for (const Row& row : rows) {
+    for (const TextRow& row : rows) {
         SCOPED_TRACE(row.when);
         EXPECT_EQ(TextFile::decode(row.before), row.after);
     }
 }
 
 TEST(TextFile, EncodesWithOneLineFeedAfterTheText) {
-    const Row rows[] = {
+    const TextRow rows[] = {
         {"one is appended", "a\nb", "a\nb\n"},
         {"also after one that is there", "a\n", "a\n\n"},
         {"line ends are normalised", "a\r\nb\rc", "a\nb\nc\n"},
         {"an empty text is one line feed", "", "\n"},
     };
-    for (const Row& row : rows) {
+    for (const TextRow& row : rows) {
         SCOPED_TRACE(row.when);
         EXPECT_EQ(TextFile::encode(row.before), row.after);
     }

@@ -9,9 +9,6 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr const char* kApp = "1234567890";
-constexpr const char* kScreenshots = "APP_SCREENSHOTS_AND_PREVIEWS";
-
 class AssetLibrary : public SandboxFixture {
  protected:
     AssetLibrary() : SandboxFixture(smallParts()) {}

@@ -17,8 +17,7 @@ class BuildUploads : public SandboxFixture {
     BuildUploads() : SandboxFixture(smallParts()) {}
 
     Received create(const Json& attributes) {
-        return post("/v1/buildUploads",
-                    createBody("buildUploads", attributes, {{"app", {"apps", "1234567890"}}}));
+        return post("/v1/buildUploads", createBody("buildUploads", attributes, {{"app", {"apps", kApp}}}));
     }
     std::string made(const std::string& version = "2.4", const std::string& number = "250") {
         return create({{"cfBundleShortVersionString", version},

@@ -8,7 +8,6 @@ namespace kestrin::sandbox {
 namespace {
 
 constexpr const char* kPhone = "IPHONE_DYNAMIC_ISLAND_LARGE_PROFILE";
-constexpr const char* kScreenshots = "APP_SCREENSHOTS_AND_PREVIEWS";
 
 using Catalogue::Film;
 using Catalogue::Picture;

@@ -130,7 +130,7 @@ TEST_F(ControlTest, TakesAndGivesTheWholeState) {
 TEST_F(ControlTest, GoesOnAfterAStateThatWasReadAgain) {
     const auto page = [&](const std::string& name) {
         return post("/v1/appCustomProductPages",
-                    createBody("appCustomProductPages", {{"name", name}}, {{"app", {"apps", "1234567890"}}}));
+                    createBody("appCustomProductPages", {{"name", name}}, {{"app", {"apps", kApp}}}));
     };
     page("Winter");
     control("PUT", "state", control("GET", "state").body);

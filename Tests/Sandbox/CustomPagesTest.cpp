@@ -5,7 +5,7 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr const char* kApp = "1234567891";  // an app with nothing in it
+constexpr const char* kEmptyApp = "1234567891";
 
 // A page with its first version and localizations, as a client makes it in one request.
 Json pageBody(const std::string& name, const std::vector<std::string>& locales) {
@@ -24,7 +24,7 @@ Json pageBody(const std::string& name, const std::vector<std::string>& locales) 
              {"id", "${version}"},
              {"attributes", {{"deepLink", "https://example.com/autumn"}}},
              {"relationships", {{"appCustomProductPageLocalizations", {{"data", localizations}}}}}});
-    Json body = createBody("appCustomProductPages", {{"name", name}}, {{"app", {"apps", kApp}}});
+    Json body = createBody("appCustomProductPages", {{"name", name}}, {{"app", {"apps", kEmptyApp}}});
     body["data"]["relationships"]["appCustomProductPageVersions"]["data"] =
         Json::array({{{"type", "appCustomProductPageVersions"}, {"id", "${version}"}}});
     body["included"] = included;
@@ -70,10 +70,11 @@ TEST_F(CustomPages, NeedNeitherLocalizationsNorADeepLink) {
     auto body = pageBody("Bare", {});
     body["included"][0].erase("attributes");
     EXPECT_EQ(createPage(body).status, 201);
-    EXPECT_EQ(createPage(createBody("appCustomProductPages", {{"name", "Barer"}}, {{"app", {"apps", kApp}}}))
-                  .status,
-              201);
-    EXPECT_EQ(get(std::string("/v1/apps/") + kApp + "/appCustomProductPages").json["data"].size(), 2u);
+    EXPECT_EQ(
+        createPage(createBody("appCustomProductPages", {{"name", "Barer"}}, {{"app", {"apps", kEmptyApp}}}))
+            .status,
+        201);
+    EXPECT_EQ(get(std::string("/v1/apps/") + kEmptyApp + "/appCustomProductPages").json["data"].size(), 2u);
 }
 
 struct BadPage {
@@ -154,9 +155,10 @@ TEST_F(CustomPages, ChangeTheirVisibilityInAnyState) {
     const auto reply = patch("/v1/appCustomProductPages/" + page,
                              updateBody("appCustomProductPages", page, {{"visible", true}}));
     EXPECT_EQ(reply.attributes()["visible"], true);
-    EXPECT_EQ(
-        get(std::string("/v1/apps/") + kApp + "/appCustomProductPages?filter%5Bvisible%5D=true").ids().size(),
-        1u);
+    EXPECT_EQ(get(std::string("/v1/apps/") + kEmptyApp + "/appCustomProductPages?filter%5Bvisible%5D=true")
+                  .ids()
+                  .size(),
+              1u);
 }
 
 TEST_F(CustomPages, ChangeTheirContentWhileItIsPrepared) {

@@ -23,8 +23,6 @@ namespace {
 
 using testing::IsEmpty;
 
-constexpr const char* kApp = "1234567890";
-
 // Hands the client's requests to a service without a socket.
 class ServiceTransport final : public HTTPTransport {
  public:
@@ -128,7 +126,7 @@ class Exchange : public SandboxFixture {
     }
 };
 
-struct Row {
+struct RequestRow {
     const char* function;  // of ASCKit/Resources
     // Whether the client got what it asked for.
     std::function<bool(Exchange&)> call;
@@ -152,7 +150,7 @@ bool creates(Exchange& x, const std::string& type, const JSONObject& attributes,
                 .id.empty();
 }
 
-const Row kReads[] = {
+const RequestRow kReads[] = {
     {"apps", [](auto& x) { return ASC::apps(x.client).size() == 2; }},
     {"appWithBundleID",
      [](auto& x) { return ASC::appWithBundleID(x.client, "com.example.tidenotes")->id == kApp; }},
@@ -221,7 +219,7 @@ const Row kReads[] = {
      [](auto& x) { return ASC::reviewSubmissionItemCount(x.client, x.submission()) == 0; }},
 };
 
-const Row kWrites[] = {
+const RequestRow kWrites[] = {
     {"createAppStoreVersion",
      [](auto& x) {
          return ASC::createAppStoreVersion(x.client, {kApp, "MAC_OS", "2.4", "2027", "MANUAL"}).state ==
@@ -343,7 +341,7 @@ const Row kWrites[] = {
 };
 
 // What the sync engine sends through the generic writers.
-const Row kGenericWrites[] = {
+const RequestRow kGenericWrites[] = {
     {"update",
      [](auto& x) {
          return updates(x, "appInfoLocalizations", x.infoText,
@@ -428,7 +426,7 @@ const Row kGenericWrites[] = {
 // The request lines of everything that went wrong, and the endpoints that were reached.
 class EveryRequest : public testing::Test {
  protected:
-    void run(const Row& row) {
+    void run(const RequestRow& row) {
         SCOPED_TRACE(row.function);
         functions.insert(row.function);
         Exchange exchange;

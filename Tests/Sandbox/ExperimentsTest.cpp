@@ -3,8 +3,6 @@
 namespace kestrin::sandbox {
 namespace {
 
-constexpr const char* kApp = "1234567890";
-
 class Experiments : public SandboxFixture {
  protected:
     Received create(const Json& attributes) {

@@ -9,8 +9,6 @@
 namespace kestrin::sandbox {
 namespace {
 
-constexpr const char* kApp = "1234567890";
-
 class LargeSeed : public SandboxFixture {
  protected:
     LargeSeed() : SandboxFixture(Settings{}, seeds::large) {}

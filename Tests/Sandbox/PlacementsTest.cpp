@@ -246,7 +246,7 @@ TEST_F(Placements, KeepTheirOrderWhenANewVersionCopiesThem) {
     });
     const auto made = post("/v1/appStoreVersions",
                            createBody("appStoreVersions", {{"platform", "IOS"}, {"versionString", "2.5"}},
-                                      {{"app", {"apps", "1234567890"}}}));
+                                      {{"app", {"apps", kApp}}}));
     ASSERT_EQ(made.status, 201);
     const Ref copy{"appStoreVersionLocalizations",
                    idOf("appStoreVersionLocalizations",

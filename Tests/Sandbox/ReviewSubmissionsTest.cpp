@@ -8,8 +8,6 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr const char* kApp = "1234567890";
-
 class ReviewSubmissions : public SandboxFixture {
  protected:
     ReviewSubmissions() {

@@ -15,6 +15,8 @@ namespace kestrin::sandbox {
 
 constexpr std::int64_t kNow = 1'780'000'000;
 constexpr const char* kRoot = "http://sandbox.example";
+constexpr const char* kApp = "1234567890";  // of the seed
+constexpr const char* kScreenshots = "APP_SCREENSHOTS_AND_PREVIEWS";
 
 // A JWT made here, with OpenSSL, and not by the code under test.
 struct TokenRecipe {

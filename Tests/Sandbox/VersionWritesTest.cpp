@@ -6,8 +6,6 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr const char* kApp = "1234567890";
-
 class VersionWrites : public SandboxFixture {
  protected:
     VersionWrites()

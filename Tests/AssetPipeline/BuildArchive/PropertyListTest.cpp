@@ -15,7 +15,7 @@ using binaryPropertyList::array;
 using binaryPropertyList::ascii;
 using binaryPropertyList::dictionary;
 
-std::optional<Kind> errorOf(const std::string& bytes) {
+std::optional<Kind> errorOfList(const std::string& bytes) {
     return archiveErrorOf([&] { PropertyList::parse(bytes); });
 }
 
@@ -68,36 +68,37 @@ TEST(PropertyList, AnythingElseIsMalformed) {
           std::string("<html><dict/></html>"), binaryPropertyList::of({}),
           binaryPropertyList::of({array({})})}) {
         SCOPED_TRACE(bytes);
-        EXPECT_EQ(errorOf(bytes), Kind::malformed);
+        EXPECT_EQ(errorOfList(bytes), Kind::malformed);
     }
 }
 
 TEST(PropertyList, ATooLargeOneIsMalformed) {
     const auto list =
         xmlPropertyList("<key>a</key><string>" + std::string(PropertyList::mostBytes, 'a') + "</string>");
-    EXPECT_EQ(errorOf(list), Kind::malformed);
+    EXPECT_EQ(errorOfList(list), Kind::malformed);
 
     std::vector<std::string> objects = {dictionary({1}, {2}), ascii("a"), array({})};
     objects.resize(20, ascii(std::string(65'000, 'x')));  // that nothing refers to
     EXPECT_GT(binaryPropertyList::of(objects).size(), PropertyList::mostBytes);
-    EXPECT_EQ(errorOf(binaryPropertyList::of(objects)), Kind::malformed);
+    EXPECT_EQ(errorOfList(binaryPropertyList::of(objects)), Kind::malformed);
 }
 
 TEST(PropertyList, AnEntityBombIsMalformed) {
     EXPECT_EQ(
-        errorOf(
+        errorOfList(
             "<!DOCTYPE plist [<!ENTITY a 'b'>]><plist><dict><key>a</key><string>&a;</string></dict></plist>"),
         Kind::malformed);
 }
 
 TEST(PropertyList, NestingWithoutEndIsMalformed) {
-    EXPECT_EQ(errorOf(repeated(100'000, "<array>")), Kind::malformed);
-    EXPECT_EQ(errorOf(xmlPropertyList("<key>a</key>" + repeated(600, "<array>") + repeated(600, "</array>"))),
-              Kind::malformed);
+    EXPECT_EQ(errorOfList(repeated(100'000, "<array>")), Kind::malformed);
+    EXPECT_EQ(
+        errorOfList(xmlPropertyList("<key>a</key>" + repeated(600, "<array>") + repeated(600, "</array>"))),
+        Kind::malformed);
     std::vector<std::string> objects = {dictionary({1}, {2}), ascii("a")};
-    EXPECT_EQ(errorOf(binaryPropertyList::of({dictionary({1}, {0}), ascii("a")})),
+    EXPECT_EQ(errorOfList(binaryPropertyList::of({dictionary({1}, {0}), ascii("a")})),
               Kind::malformed);  // itself
-    EXPECT_EQ(errorOf(binaryPropertyList::of({dictionary({1}, {2}), ascii("a"), array({3}), array({2})})),
+    EXPECT_EQ(errorOfList(binaryPropertyList::of({dictionary({1}, {2}), ascii("a"), array({3}), array({2})})),
               Kind::malformed);
 }
 
@@ -118,9 +119,9 @@ std::string nestedBinaryList(std::uint64_t arrays) {
 }
 
 TEST(PropertyList, OfABinaryOneTheDepthIsLimitedToo) {
-    EXPECT_EQ(errorOf(nestedBinaryList(500)), std::nullopt);
-    EXPECT_EQ(errorOf(nestedBinaryList(512)), Kind::malformed);
-    EXPECT_EQ(errorOf(nestedBinaryList(100'000)), Kind::malformed);
+    EXPECT_EQ(errorOfList(nestedBinaryList(500)), std::nullopt);
+    EXPECT_EQ(errorOfList(nestedBinaryList(512)), Kind::malformed);
+    EXPECT_EQ(errorOfList(nestedBinaryList(100'000)), Kind::malformed);
 }
 
 TEST(PropertyList, ATableOfOffsetsBehindTheEndIsMalformed) {
@@ -129,9 +130,9 @@ TEST(PropertyList, ATableOfOffsetsBehindTheEndIsMalformed) {
         SCOPED_TRACE(place);
         auto bytes = list;
         bytes.replace(bytes.size() - 8, 8, bigEndian(place, 8));
-        EXPECT_EQ(errorOf(bytes), Kind::malformed);
+        EXPECT_EQ(errorOfList(bytes), Kind::malformed);
         bytes.replace(bytes.size() - 24, 8, bigEndian(std::uint64_t{1} << 60, 8));  // of so many objects
-        EXPECT_EQ(errorOf(bytes), Kind::malformed);
+        EXPECT_EQ(errorOfList(bytes), Kind::malformed);
     }
 }
 
@@ -139,7 +140,7 @@ TEST(PropertyList, ArraysThatMultiplyEachOtherAreMalformed) {
     std::vector<std::string> objects = {dictionary({1}, {2}), ascii("a")};
     for (int i = 3; i < 60; ++i) objects.push_back(array({i, i}));
     objects.push_back(array({}));
-    EXPECT_EQ(errorOf(binaryPropertyList::of(objects)), Kind::malformed);
+    EXPECT_EQ(errorOfList(binaryPropertyList::of(objects)), Kind::malformed);
 }
 
 TEST(PropertyList, ATextThatStandsInManyPlacesIsMalformedOnceItTakesTooMuch) {
@@ -148,9 +149,9 @@ TEST(PropertyList, ATextThatStandsInManyPlacesIsMalformedOnceItTakesTooMuch) {
                                        array(std::vector<int>(static_cast<std::size_t>(places), 3)),
                                        ascii(std::string(50'000, 'x'))});
     };
-    EXPECT_EQ(errorOf(listOf(100)), std::nullopt);
-    EXPECT_EQ(errorOf(listOf(120)), Kind::malformed);
-    EXPECT_EQ(errorOf(listOf(10'000)), Kind::malformed);
+    EXPECT_EQ(errorOfList(listOf(100)), std::nullopt);
+    EXPECT_EQ(errorOfList(listOf(120)), Kind::malformed);
+    EXPECT_EQ(errorOfList(listOf(10'000)), Kind::malformed);
 }
 
 TEST(PropertyList, TakesLittleMemoryWhateverItHolds) {
@@ -165,7 +166,7 @@ TEST(PropertyList, TakesLittleMemoryWhateverItHolds) {
     };
     for (const auto& [what, bytes] : lists) {
         SCOPED_TRACE(what);
-        EXPECT_LT(peakMemoryOf([&list = bytes] { EXPECT_EQ(errorOf(list), std::nullopt); }),
+        EXPECT_LT(peakMemoryOf([&list = bytes] { EXPECT_EQ(errorOfList(list), std::nullopt); }),
                   (std::size_t{50} << 20) * memoryFactor);
     }
 }

@@ -25,7 +25,7 @@ std::string outline(std::string_view document) {
     return line;
 }
 
-std::optional<Kind> errorOf(std::string_view document) {
+std::optional<Kind> errorOfXML(std::string_view document) {
     return archiveErrorOf([&] { outline(document); });
 }
 
@@ -43,7 +43,7 @@ TEST(XMLElements, OfWhatIsNotWellFormedAreMalformed) {
          {"", " ", "<a>", "<a></b>", "<a/><b/>", "text", "<a x='1' x='2'/>", "<a>&none;</a>", "<a>\xFF</a>",
           "<a", "<?xml version='1.0' encoding='no-such'?><a/>"}) {
         SCOPED_TRACE(document);
-        EXPECT_EQ(errorOf(document), Kind::malformed);
+        EXPECT_EQ(errorOfXML(document), Kind::malformed);
     }
 }
 
@@ -60,15 +60,17 @@ TEST(XMLElements, PassOnWhatTheirUserThrows) {
 }
 
 TEST(XMLElements, OfADocumentThatDeclaresEntitiesAreMalformed) {
-    EXPECT_EQ(errorOf("<!DOCTYPE a [<!ENTITY e 'x'>]><a>&e;</a>"), Kind::malformed);
-    EXPECT_EQ(errorOf("<!DOCTYPE a [<!ENTITY e SYSTEM 'file:///etc/passwd'>]><a>&e;</a>"), Kind::malformed);
-    EXPECT_EQ(errorOf("<!DOCTYPE a [<!ENTITY % e SYSTEM 'file:///etc/passwd'> %e;]><a/>"), Kind::malformed);
+    EXPECT_EQ(errorOfXML("<!DOCTYPE a [<!ENTITY e 'x'>]><a>&e;</a>"), Kind::malformed);
+    EXPECT_EQ(errorOfXML("<!DOCTYPE a [<!ENTITY e SYSTEM 'file:///etc/passwd'>]><a>&e;</a>"),
+              Kind::malformed);
+    EXPECT_EQ(errorOfXML("<!DOCTYPE a [<!ENTITY % e SYSTEM 'file:///etc/passwd'> %e;]><a/>"),
+              Kind::malformed);
     std::string laughs = "<!DOCTYPE a [<!ENTITY e0 'lol'>";
     for (int i = 1; i < 40; ++i) {
         laughs +=
             "<!ENTITY e" + std::to_string(i) + " '" + repeated(10, "&e" + std::to_string(i - 1) + ";") + "'>";
     }
-    EXPECT_EQ(errorOf(laughs + "]><a>&e39;</a>"), Kind::malformed);
+    EXPECT_EQ(errorOfXML(laughs + "]><a>&e39;</a>"), Kind::malformed);
 }
 
 TEST(XMLElements, ReadNothingOutsideOfTheDocument) {
@@ -77,14 +79,14 @@ TEST(XMLElements, ReadNothingOutsideOfTheDocument) {
 
 TEST(XMLElements, HaveADeepestLevel) {
     const auto nested = [](std::size_t depth) { return repeated(depth, "<a>") + repeated(depth, "</a>"); };
-    EXPECT_EQ(errorOf(nested(XMLElements::mostDepth)), std::nullopt);
-    EXPECT_EQ(errorOf(nested(XMLElements::mostDepth + 1)), Kind::malformed);
+    EXPECT_EQ(errorOfXML(nested(XMLElements::mostDepth)), std::nullopt);
+    EXPECT_EQ(errorOfXML(nested(XMLElements::mostDepth + 1)), Kind::malformed);
 }
 
 TEST(XMLElements, OfADocumentThatIsTooLargeAreMalformed) {
     const auto ofSize = [](std::size_t size) { return "<a>" + std::string(size - 7, 'x') + "</a>"; };
-    EXPECT_EQ(errorOf(ofSize(XMLElements::mostBytes)), std::nullopt);
-    EXPECT_EQ(errorOf(ofSize(XMLElements::mostBytes + 1)), Kind::malformed);
+    EXPECT_EQ(errorOfXML(ofSize(XMLElements::mostBytes)), std::nullopt);
+    EXPECT_EQ(errorOfXML(ofSize(XMLElements::mostBytes + 1)), Kind::malformed);
 }
 
 // As many pieces of a document as fit, each of which costs a parser memory of its own.
@@ -110,7 +112,7 @@ TEST(XMLElements, TakeLittleMemoryWhateverTheDocumentIs) {
     for (const auto& [what, document] : documents) {
         SCOPED_TRACE(what);
         EXPECT_LE(document.size(), XMLElements::mostBytes);
-        EXPECT_LT(peakMemoryOf([&hostile = document] { errorOf(hostile); }),
+        EXPECT_LT(peakMemoryOf([&hostile = document] { errorOfXML(hostile); }),
                   (std::size_t{50} << 20) * memoryFactor);
     }
 }

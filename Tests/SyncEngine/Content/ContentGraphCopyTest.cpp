@@ -3,7 +3,7 @@
 
 #include "SyncEngine/Content/ContentGraph.h"
 #include "Tests/SyncEngine/Content/ContentGenerators.h"
-#include "Tests/SyncEngine/Content/SampleListing.h"
+#include "Tests/SyncEngine/Content/SamplePlacements.h"
 
 namespace kestrin {
 namespace {
@@ -14,14 +14,9 @@ using ContentGraph::value;
 using sample::blue;
 using sample::english;
 using sample::icons;
-using sample::screenshots;
 using sample::winter;
 
 using Key = ContentKey;
-
-const Key kPlacements = Key::Placements{StorePlatform::iOS, english, screenshots};
-const Key kPagePlacements = Key::PagePlacements{winter, english, screenshots};
-const Key kTreatmentPlacements = Key::TreatmentPlacements{icons, blue, english, screenshots};
 
 TEST(ContentGraphCopy, FileNamesComeAlong) {
     const auto source = sample::project();

@@ -3,7 +3,7 @@
 
 #include "SyncEngine/Content/ContentGraph.h"
 #include "Tests/SyncEngine/Content/ContentGenerators.h"
-#include "Tests/SyncEngine/Content/SampleListing.h"
+#include "Tests/SyncEngine/Content/SamplePlacements.h"
 
 namespace kestrin {
 namespace {
@@ -25,10 +25,6 @@ Project with(std::string text, const Key& key, Project project = sample::project
     set(std::move(text), key, project);
     return project;
 }
-
-const Key kPlacements = Key::Placements{StorePlatform::iOS, english, screenshots};
-const Key kPagePlacements = Key::PagePlacements{winter, english, screenshots};
-const Key kTreatmentPlacements = Key::TreatmentPlacements{icons, blue, english, screenshots};
 
 std::vector<Key> keysOfTheDefaultPage() {
     return {

@@ -9,9 +9,13 @@
 
 #include "KestrinCore/UnicodeText.h"
 #include "Tests/SyncEngine/Content/ContentGenerators.h"
+#include "Tests/SyncEngine/Content/SampleListing.h"
 
 namespace kestrin {
 namespace {
+
+using sample::english;
+using sample::screenshots;
 
 using Key = ContentKey;
 using Path = ContentKey::ExperimentPath;
@@ -19,9 +23,6 @@ using Path = ContentKey::ExperimentPath;
 const auto none = std::nullopt;
 constexpr bool yes = true;
 constexpr bool no = false;
-
-const StoreLocale english = {"en-US"};
-const PlacementSlot screenshots = {"IPHONE_65", "SCREENSHOT"};
 
 struct CaseRow {
     std::string id;

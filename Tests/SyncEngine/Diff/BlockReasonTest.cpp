@@ -4,16 +4,11 @@
 #include <functional>
 
 #include "SyncEngine/Diff/DiffEngine.h"
+#include "Tests/Support/ListingNames.h"
 
 namespace kestrin {
 namespace {
 
-const StoreLocale kGerman{"de-DE"};
-const StoreLocale kFrench{"fr-FR"};
-const PlacementSlot kSlot{"IPHONE_67", "APP_SCREENSHOT"};
-const Slug kPage{"page"};
-const Slug kTest{"test"};
-const Slug kBlue{"blue"};
 const auto kPlatform = StorePlatform::iOS;
 
 using Reason = std::optional<BlockReason>;
@@ -39,15 +34,15 @@ struct World {
     }
 };
 
-struct Row {
+struct ReasonRow {
     const char* when;
     ContentKey key;
     std::function<void(World&)> change;
     Reason reason;
 };
 
-void expectReasons(const std::vector<Row>& rows) {
-    for (const Row& row : rows) {
+void expectReasons(const std::vector<ReasonRow>& rows) {
+    for (const ReasonRow& row : rows) {
         SCOPED_TRACE(row.when);
         World world;
         row.change(world);
@@ -60,7 +55,7 @@ Reason because(Case reason) {
     return BlockReason{reason};
 }
 
-void unchanged(World&) {}
+void asItIs(World&) {}
 
 TEST(BlockReason, OfTheAppsValues) {
     const ContentKey category = ContentKey::AppInfo{AppInfoAttribute::primaryCategory};
@@ -69,10 +64,10 @@ TEST(BlockReason, OfTheAppsValues) {
     const auto noState = [](World& w) { w.remote.ids.appInfoState = std::nullopt; };
     const auto emptied = [](World& w) { w.local.app.locales.clear(); };
     expectReasons({
-        {"an editable state", category, unchanged, writable},
+        {"an editable state", category, asItIs, writable},
         {"no state", category, noState, writable},
         {"any other state", category, inReview, because(BlockReason::AppInfoNotEditable{"IN_REVIEW"})},
-        {"a text in an editable state", name, unchanged, writable},
+        {"a text in an editable state", name, asItIs, writable},
         {"a text without a state", name, noState, writable},
         {"a text in any other state", name, inReview, because(BlockReason::AppInfoNotEditable{"IN_REVIEW"})},
         {"a locale emptied here", name, emptied, because(BlockReason::LocaleRemovedLocally{})},
@@ -83,7 +78,7 @@ TEST(BlockReason, OfTheAppsValues) {
          },
          because(BlockReason::LocaleRemovedLocally{})},
         {"a locale emptied here that the service doesn't have",
-         ContentKey::AppInfoLocale{kFrench, ListingField::name}, unchanged, writable},
+         ContentKey::AppInfoLocale{kFrench, ListingField::name}, asItIs, writable},
         {"a locale with unknown members alone counts as emptied", name,
          [](World& w) {
              w.local.app.locales[kGerman] = LocalizedFields({}, {{"later", 1}});
@@ -99,7 +94,7 @@ TEST(BlockReason, OfAVersionsAttributesAndReviewDetails) {
                                   ContentKey(ContentKey::Review{kPlatform, ReviewAttribute::notes})}) {
         SCOPED_TRACE(key.id());
         expectReasons({
-            {"an editable state", key, unchanged, writable},
+            {"an editable state", key, asItIs, writable},
             {"no remote version", key, gone, because(BlockReason::NoRemoteVersion{})},
             {"any other state", key, live, because(BlockReason::VersionNotEditable{"READY_FOR_SALE"})},
             {"an unnamed state", key, [](World& w) { w.remote.ids.versions[kPlatform].state = ""; },
@@ -115,11 +110,11 @@ TEST(BlockReason, OfAVersionsTexts) {
     const auto live = [](World& w) { w.remote.ids.versions[kPlatform].state = "READY_FOR_SALE"; };
     const auto emptied = [](World& w) { w.local.platforms.clear(); };
     expectReasons({
-        {"an editable state", text, unchanged, writable},
+        {"an editable state", text, asItIs, writable},
         {"no remote version", text, gone, because(BlockReason::NoRemoteVersion{})},
         {"a locale emptied here", text, emptied, because(BlockReason::LocaleRemovedLocally{})},
         {"a locale emptied here that the service doesn't have",
-         ContentKey::VersionLocale{kPlatform, kFrench, ListingField::description}, unchanged, writable},
+         ContentKey::VersionLocale{kPlatform, kFrench, ListingField::description}, asItIs, writable},
         {"any other state", text, live, because(BlockReason::VersionNotEditable{"READY_FOR_SALE"})},
         {"promotional text in any state", promotion, live, writable},
         {"promotional text without a remote version", promotion, gone,
@@ -134,13 +129,13 @@ TEST(BlockReason, OfAVersionsMedia) {
     const ContentKey french = ContentKey::Placements{kPlatform, kFrench, kSlot};
     const auto live = [](World& w) { w.remote.ids.versions[kPlatform].state = "READY_FOR_SALE"; };
     expectReasons({
-        {"a locale that the service has", german, unchanged, writable},
+        {"a locale that the service has", german, asItIs, writable},
         {"a locale that the service has and that was emptied here", german,
          [](World& w) { w.local.platforms.clear(); }, writable},
         {"no remote version", german, [](World& w) { w.remote.ids.versions.clear(); },
          because(BlockReason::NoRemoteVersion{})},
         {"any other state", german, live, because(BlockReason::VersionNotEditable{"READY_FOR_SALE"})},
-        {"a locale on neither side", french, unchanged, because(BlockReason::LocalizationMissing{})},
+        {"a locale on neither side", french, asItIs, because(BlockReason::LocalizationMissing{})},
         {"a locale whose text goes out with it", french,
          [](World& w) { w.local.setValue("T", ListingField::keywords, kFrench, kPlatform); }, writable},
         {"the state goes before a missing locale", french, live,
@@ -167,7 +162,7 @@ TEST(BlockReason, OfCustomPages) {
     for (const ContentKey& key : {deepLink, text, media}) {
         SCOPED_TRACE(key.id());
         expectReasons({
-            {"an editable state", key, unchanged, writable},
+            {"an editable state", key, asItIs, writable},
             {"a new page, whatever the state of others", key, isNew, writable},
             {"removed here", key, removed, because(BlockReason::PageRemovedLocally{})},
             {"any other state", key, approved, because(BlockReason::PageNotEditable{"APPROVED"})},
@@ -182,11 +177,11 @@ TEST(BlockReason, OfTests) {
     const auto removed = [](World& w) { w.local.experiments.clear(); };
     const auto running = [](World& w) { w.remote.ids.experiments[kTest].state = "IN_REVIEW"; };
     expectReasons({
-        {"an editable state", name, unchanged, writable},
+        {"an editable state", name, asItIs, writable},
         {"a new test", name, isNew, writable},
         {"a new test's platform", platform, isNew, writable},
         {"removed here", name, removed, because(BlockReason::ExperimentRemovedLocally{})},
-        {"an existing test's platform", platform, unchanged, because(BlockReason::ExperimentPlatformFixed{})},
+        {"an existing test's platform", platform, asItIs, because(BlockReason::ExperimentPlatformFixed{})},
         {"an existing test's platform in any other state", platform, running,
          because(BlockReason::ExperimentPlatformFixed{})},
         {"any other state", name, running, because(BlockReason::ExperimentNotEditable{"IN_REVIEW"})},
@@ -201,7 +196,7 @@ TEST(BlockReason, OfTreatments) {
           ContentKey(ContentKey::TreatmentPlacements{kTest, kBlue, kGerman, kSlot})}) {
         SCOPED_TRACE(key.id());
         expectReasons({
-            {"an editable state", key, unchanged, writable},
+            {"an editable state", key, asItIs, writable},
             {"a new test", key, [](World& w) { w.remote.ids.experiments.clear(); }, writable},
             {"a test removed here", key, [](World& w) { w.local.experiments.clear(); },
              because(BlockReason::ExperimentRemovedLocally{})},

@@ -1,11 +1,11 @@
 #include "SyncEngine/Diff/DiffEngine.h"
+#include "Tests/Support/ListingNames.h"
 
 #include <gtest/gtest.h>
 
 namespace kestrin {
 namespace {
 
-const StoreLocale kGerman{"de-DE"};
 const ContentKey kCopyright = ContentKey::Version{StorePlatform::iOS, VersionAttribute::copyright};
 
 // A listing whose version of iOS is in preparation.

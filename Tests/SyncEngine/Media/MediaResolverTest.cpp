@@ -2,14 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/ScriptedClient.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace kestrin {
 namespace {
 
-const StoreLocale kGerman{"de-DE"};
-const PlacementSlot kSlot{"IPHONE_67", "APP_SCREENSHOT"};
 const PlacementSlot kOtherSlot{"IPHONE_65", "APP_SCREENSHOT"};
 constexpr const char* kMD5OfA = "0cc175b9c0f1b6a831c399e269772661";  // of "a"
 

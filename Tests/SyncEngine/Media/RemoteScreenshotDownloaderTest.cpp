@@ -8,6 +8,7 @@
 #include "ASCKit/ASCError.h"
 #include "KestrinCore/FileError.h"
 #include "KestrinModel/PackageNameError.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace kestrin {
@@ -15,8 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const StoreLocale kGerman{"de-DE"};
-const StoreLocale kFrench{"fr-FR"};
 const PlacementSlot kPhone{"IPHONE_67", "APP_SCREENSHOT"};
 const PlacementSlot kPad{"IPAD_13", "APP_SCREENSHOT"};
 const PlacementSlot kPreview{"IPHONE_67", "APP_PREVIEW"};

@@ -9,7 +9,7 @@
 namespace kestrin {
 namespace {
 
-ASCLibraryAsset asset(const std::string& id, const std::string& fileName) {
+ASCLibraryAsset assetNamed(const std::string& id, const std::string& fileName) {
     ASCLibraryAsset made;
     made.id = id;
     made.fileName = fileName;
@@ -17,24 +17,24 @@ ASCLibraryAsset asset(const std::string& id, const std::string& fileName) {
 }
 
 TEST(AssetsSeen, AreAllInTheMapInTheEnd) {
-    KnownAssets map{{"b", asset("b", "before.png")}};
+    KnownAssets map{{"b", assetNamed("b", "before.png")}};
     AssetsSeen seen(map);
-    for (const char* id : {"c", "a", "d"}) seen.add(asset(id, std::string(id) + ".png"));
+    for (const char* id : {"c", "a", "d"}) seen.add(assetNamed(id, std::string(id) + ".png"));
     seen.finish();
-    EXPECT_EQ(map, (KnownAssets{{"a", asset("a", "a.png")},
-                                {"b", asset("b", "before.png")},
-                                {"c", asset("c", "c.png")},
-                                {"d", asset("d", "d.png")}}));
+    EXPECT_EQ(map, (KnownAssets{{"a", assetNamed("a", "a.png")},
+                                {"b", assetNamed("b", "before.png")},
+                                {"c", assetNamed("c", "c.png")},
+                                {"d", assetNamed("d", "d.png")}}));
 }
 
 TEST(AssetsSeen, TheLastOfAnIdCounts) {
-    KnownAssets map{{"a", asset("a", "1")}};
+    KnownAssets map{{"a", assetNamed("a", "1")}};
     AssetsSeen seen(map);
-    seen.add(asset("b", "1"));
-    seen.add(asset("a", "2"));
-    seen.add(asset("b", "2"));
+    seen.add(assetNamed("b", "1"));
+    seen.add(assetNamed("a", "2"));
+    seen.add(assetNamed("b", "2"));
     seen.finish();
-    EXPECT_EQ(map, (KnownAssets{{"a", asset("a", "2")}, {"b", asset("b", "2")}}));
+    EXPECT_EQ(map, (KnownAssets{{"a", assetNamed("a", "2")}, {"b", assetNamed("b", "2")}}));
 }
 
 TEST(AssetsSeen, AreInTheOrderOfTheBytesOfTheirIds) {
@@ -51,8 +51,8 @@ TEST(AssetsSeen, AreInTheOrderOfTheBytesOfTheirIds) {
     KnownAssets map, expected;
     AssetsSeen seen(map);
     for (const auto& id : ids) {
-        seen.add(asset(id, id));
-        expected.emplace(id, asset(id, id));
+        seen.add(assetNamed(id, id));
+        expected.emplace(id, assetNamed(id, id));
     }
     seen.finish();
     EXPECT_EQ(map, expected);
@@ -65,9 +65,9 @@ TEST(AssetsSeen, TellTheFileNamesOfThoseShownSoFar) {
     KnownAssets map;
     AssetsSeen seen(map);
     EXPECT_EQ(seen.fileName("a"), "");
-    seen.add(asset("a", "1"));
+    seen.add(assetNamed("a", "1"));
     EXPECT_EQ(seen.fileName("a"), "1");
-    seen.add(asset("a", "2"));
+    seen.add(assetNamed("a", "2"));
     EXPECT_EQ(seen.fileName("a"), "2");
     EXPECT_EQ(seen.fileName("b"), "");
 }

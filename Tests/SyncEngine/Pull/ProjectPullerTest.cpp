@@ -5,22 +5,21 @@
 #include "KestrinCore/FileError.h"
 #include "KestrinModel/PackageNameError.h"
 #include "SyncEngine/Pull/SyncError.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/RoutedClient.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace kestrin {
 namespace {
 
-const StoreLocale kGerman{"de-DE"};
-const PlacementSlot kSlot{"IPHONE_67", "APP_SCREENSHOT"};
 const ContentKey kName = ContentKey::AppInfoLocale{kGerman, ListingField::name};
 
-struct World : RoutedClient {
+struct PullWorld : RoutedClient {
     TemporaryFolder folder;
     ProjectStateStore store{folder / "state"};
     Project project;
 
-    World() {
+    PullWorld() {
         project.manifest.projectID = UUID::random();
         project.manifest.app.bundleID = "a.b";
         answer("/v1/apps", R"({"data":[{"type":"apps","id":"7"}]})");
@@ -42,7 +41,7 @@ struct World : RoutedClient {
 };
 
 TEST(ProjectPuller, FindsTheAppByItsBundleIDAndRemembersIt) {
-    World world;
+    PullWorld world;
     const auto result = world.pull();
     EXPECT_EQ(result.project.manifest.app.ascAppID, "7");
     EXPECT_EQ(world.paths().front(), "/v1/apps");
@@ -51,14 +50,14 @@ TEST(ProjectPuller, FindsTheAppByItsBundleIDAndRemembersIt) {
 }
 
 TEST(ProjectPuller, AsksForNoAppThatTheProjectAlreadyKnows) {
-    World world;
+    PullWorld world;
     world.project.manifest.app.ascAppID = "7";
     world.pull();
     EXPECT_EQ(world.paths().front(), "/v1/apps/7");
 }
 
 TEST(ProjectPuller, AProjectWithoutABundleIDIsntConnected) {
-    World world;
+    PullWorld world;
     world.project.manifest.app.bundleID = "";
     try {
         world.pull();
@@ -70,7 +69,7 @@ TEST(ProjectPuller, AProjectWithoutABundleIDIsntConnected) {
 }
 
 TEST(ProjectPuller, AnAppThatTheKeyDoesntSeeIsNotFound) {
-    World world;
+    PullWorld world;
     world.answer("/v1/apps", R"({"data":[]})");
     try {
         world.pull();
@@ -82,7 +81,7 @@ TEST(ProjectPuller, AnAppThatTheKeyDoesntSeeIsNotFound) {
 }
 
 TEST(ProjectPuller, SavesTheSnapshotTheIdsAndTheAssets) {
-    World world;
+    PullWorld world;
     const auto result = world.pull();
     const auto& id = world.project.manifest.projectID;
     EXPECT_EQ(world.store.base(id), result.base);
@@ -91,7 +90,7 @@ TEST(ProjectPuller, SavesTheSnapshotTheIdsAndTheAssets) {
 }
 
 TEST(ProjectPuller, AFailedPullChangesNoState) {
-    World world;
+    PullWorld world;
     world.answer("/v1/apps/7/appStoreVersions", "", 400);
     EXPECT_THROW(world.pull(), ASCError);
     EXPECT_FALSE(world.hasState());
@@ -100,7 +99,7 @@ TEST(ProjectPuller, AFailedPullChangesNoState) {
 TEST(ProjectPuller, ANameThatAPackageCantHoldIsRefusedBeforeAnythingIsWritten) {
     for (const auto* locale : {"..", "a/b", "/etc", ""}) {
         SCOPED_TRACE(locale);
-        World world;
+        PullWorld world;
         world.remoteName(locale, "Name");
         EXPECT_THROW(world.pull(), PackageNameError);
         EXPECT_FALSE(world.hasState());
@@ -110,7 +109,7 @@ TEST(ProjectPuller, ANameThatAPackageCantHoldIsRefusedBeforeAnythingIsWritten) {
 TEST(ProjectPuller, ADamagedStateFileEndsThePullAndEveryFileStaysAsItIs) {
     for (const auto* name : {"base.json", "remote-ids.json"}) {
         SCOPED_TRACE(name);
-        World world;
+        PullWorld world;
         const auto id = world.project.manifest.projectID.text();
         world.folder.write("state/" + id + "/" + name, "{");
         const auto before = world.folder.files();
@@ -120,7 +119,7 @@ TEST(ProjectPuller, ADamagedStateFileEndsThePullAndEveryFileStaysAsItIs) {
 }
 
 TEST(ProjectPuller, AStateThatCannotBeWrittenFailsThePullAndWhatWasWrittenStays) {
-    World world;
+    PullWorld world;
     const auto state = "state/" + world.project.manifest.projectID.text();
     std::filesystem::create_directories(world.folder / state / "remote-assets.json/in-the-way");
     EXPECT_THROW(world.pull(), FileError);
@@ -129,7 +128,7 @@ TEST(ProjectPuller, AStateThatCannotBeWrittenFailsThePullAndWhatWasWrittenStays)
 }
 
 TEST(ProjectPuller, ASecondPullUpdatesNothing) {
-    World world;
+    PullWorld world;
     world.project = world.pull().project;
     const auto second = world.pull();
     EXPECT_EQ(second.project, world.project);
@@ -138,7 +137,7 @@ TEST(ProjectPuller, ASecondPullUpdatesNothing) {
 }
 
 TEST(ProjectPuller, ALaterPullKeepsALocalEditAndBringsTheRemoteOneIn) {
-    World world;
+    PullWorld world;
     world.project = world.pull().project;
     const ContentKey subtitle = ContentKey::AppInfoLocale{kGerman, ListingField::subtitle};
     ContentGraph::set("Local", subtitle, world.project);
@@ -152,8 +151,8 @@ TEST(ProjectPuller, ALaterPullKeepsALocalEditAndBringsTheRemoteOneIn) {
 }
 
 // The remote side holds the very content that the project has as a file.
-struct MediaWorld : World {
-    MediaWorld() {
+struct PulledMedia : PullWorld {
+    PulledMedia() {
         folder.write("a.png", "a");
         project.platforms[StorePlatform::iOS].media = {{kGerman, {{kSlot, {MediaItem::file("a.png")}}}}};
         answer("/v1/appAssetLibraries/7/images",
@@ -179,7 +178,7 @@ struct MediaWorld : World {
 };
 
 TEST(ProjectPuller, AFileWhoseContentIsOnTheServerIsNoDifferenceAndStaysAFile) {
-    MediaWorld world;
+    PulledMedia world;
     const auto result = world.pull(world.locator());
     EXPECT_TRUE(result.conflicts.empty());
     EXPECT_EQ(world.items(result), MediaItems{MediaItem::file("a.png")});
@@ -187,14 +186,14 @@ TEST(ProjectPuller, AFileWhoseContentIsOnTheServerIsNoDifferenceAndStaysAFile) {
 }
 
 TEST(ProjectPuller, TheSnapshotHasTheRemoteSideAlsoWhereAFileIsTheSame) {
-    MediaWorld world;
+    PulledMedia world;
     const auto result = world.pull(world.locator());
     const ContentKey slot = ContentKey::Placements{StorePlatform::iOS, kGerman, kSlot};
     EXPECT_EQ(result.base.at(slot), "asset:A");
 }
 
 TEST(ProjectPuller, TheLibraryIsAskedForImagesAndThenForVideosAfterTheFetch) {
-    MediaWorld world;
+    PulledMedia world;
     world.pull(world.locator());
     const auto& paths = world.paths();
     ASSERT_GE(paths.size(), 2u);
@@ -209,7 +208,7 @@ TEST(ProjectPuller, AnAssetOfADangerousNameIsRefusedBeforeAnythingIsWritten) {
     };
     for (const Row& row : {Row{"../A", "a.png"}, Row{"A", "../../a.png"}, Row{"", "a.png"}}) {
         SCOPED_TRACE(std::string(row.id) + " " + row.fileName);
-        MediaWorld world;
+        PulledMedia world;
         const std::string id = row.id, fileName = row.fileName;
         world.answer("/v1/appStoreVersionLocalizations/L/placements",
                      R"({"data":[{"type":"p","id":"P","attributes":
@@ -223,14 +222,14 @@ TEST(ProjectPuller, AnAssetOfADangerousNameIsRefusedBeforeAnythingIsWritten) {
 }
 
 TEST(ProjectPuller, WithoutALocatorLocalMediaArentLookedAt) {
-    MediaWorld world;
+    PulledMedia world;
     const auto result = world.pull();
     EXPECT_EQ(result.conflicts.size(), 1u);
     for (const auto& path : world.paths()) EXPECT_EQ(path.find("appAssetLibraries"), std::string::npos);
 }
 
 TEST(ProjectPuller, AProjectWithoutLocalFilesDoesntAskForTheLibrary) {
-    World world;
+    PullWorld world;
     world.pull([](const std::string&) { return std::nullopt; });
     for (const auto& path : world.paths()) EXPECT_EQ(path.find("appAssetLibraries"), std::string::npos);
 }

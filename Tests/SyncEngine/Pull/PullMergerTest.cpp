@@ -9,16 +9,14 @@
 #include "KestrinCore/UnicodeText.h"
 #include "SyncEngine/Diff/DiffEngine.h"
 #include "Tests/Support/Generators.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/SyncEngine/Content/AnySides.h"
 #include "Tests/SyncEngine/Remote/ListingOf.h"
 
 namespace kestrin {
 namespace {
 
-const StoreLocale kGerman{"de-DE"};
 const StoreLocale kEnglish{"en-US"};
-const StoreLocale kJapanese{"ja"};
-const PlacementSlot kSlot{"IPHONE_67", "APP_SCREENSHOT"};
 const ContentKey kText = ContentKey::VersionLocale{StorePlatform::iOS, kGerman, ListingField::description};
 
 Project projectWith(const std::string& value) {

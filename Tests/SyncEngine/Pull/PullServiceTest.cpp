@@ -3,22 +3,19 @@
 #include <gtest/gtest.h>
 
 #include "KestrinCore/StableJSON.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/RoutedClient.h"
 
 namespace kestrin {
 namespace {
-
-const StoreLocale kGerman{"de-DE"};
-const StoreLocale kJapanese{"ja"};
-const PlacementSlot kSlot{"IPHONE_67", "APP_SCREENSHOT"};
 
 ProductPageSlugs noSlugs() {
     return {std::nullopt, Project{}};
 }
 
 // An app with one of everything.
-struct World : RoutedClient {
-    World() {
+struct FetchWorld : RoutedClient {
+    FetchWorld() {
         answer("/v1/apps/7", R"({"data":{"type":"apps","id":"7","attributes":{"primaryLocale":"ja"}}})");
         answer("/v1/apps/7/appInfos", R"({"data":[
             {"type":"appInfos","id":"LIVE","attributes":{"state":"READY_FOR_DISTRIBUTION"}},
@@ -77,7 +74,7 @@ struct World : RoutedClient {
 };
 
 TEST(PullService, AsksOneThingAfterAnotherInAFixedOrder) {
-    World world;
+    FetchWorld world;
     world.fetch();
     EXPECT_EQ(world.paths(),
               (std::vector<std::string>{
@@ -104,7 +101,7 @@ TEST(PullService, AsksOneThingAfterAnotherInAFixedOrder) {
 }
 
 TEST(PullService, TheAppsPartHasTheEditableAppInfoAndItsTexts) {
-    const auto listing = World().fetch();
+    const auto listing = FetchWorld().fetch();
     EXPECT_EQ(listing.appID, "7");
     EXPECT_EQ(listing.primaryLocale, kJapanese);
     EXPECT_EQ(listing.app.info.primaryCategory, "GAMES");
@@ -121,7 +118,7 @@ const MediaItems kItems = {MediaItem::remote("A2", "two.png"), MediaItem::remote
 const std::vector<std::string> kPlacements = {"P2", "P1", "P3"};
 
 TEST(PullService, APlatformHasItsCurrentVersionWithTextsMediaAndReviewDetails) {
-    const auto listing = World().fetch();
+    const auto listing = FetchWorld().fetch();
     ASSERT_EQ(listing.platforms.size(), 1u);
     const auto& content = listing.platforms.at(StorePlatform::iOS);
     EXPECT_EQ(content.version, (VersionContent{"1.2", "© Me", "MANUAL", {}}));
@@ -169,14 +166,14 @@ TEST(PullService, EveryPlatformHasAnEntryOfItsOwn) {
 }
 
 TEST(PullService, WorksOnItsOwnCopyOfTheSlugs) {
-    World world;
+    FetchWorld world;
     auto slugs = noSlugs();
     PullService(world.client).fetch("7", slugs);
     EXPECT_EQ(slugs.pages.slug("another page", "Summer"), Slug{"summer"}) << "still free";
 }
 
 TEST(PullService, CustomPagesAndTestsCanBeReadAlone) {
-    World world;
+    FetchWorld world;
     RemoteListing listing;
     auto slugs = noSlugs();
     PullService(world.client).fetchProductPages("7", slugs, listing);
@@ -187,7 +184,7 @@ TEST(PullService, CustomPagesAndTestsCanBeReadAlone) {
 }
 
 TEST(PullService, ALaterAssetOfTheSameIdReplacesTheEarlierOne) {
-    World world;
+    FetchWorld world;
     world.answer("/v1/appStoreVersionLocalizations/L2/placements",
                  R"({"data":[],"included":[{"type":"appAssetLibraryImages","id":"A1",
                      "attributes":{"fileName":"renamed.png"}}]})");
@@ -197,7 +194,7 @@ TEST(PullService, ALaterAssetOfTheSameIdReplacesTheEarlierOne) {
 }
 
 TEST(PullService, APlacementWithoutAnAssetHasNeitherItemNorId) {
-    World world;
+    FetchWorld world;
     RemoteListing listing;
     const auto slots =
         PullService(world.client).placements({PlacementParent::Kind::versionLocalization, "L1"}, listing);
@@ -207,7 +204,7 @@ TEST(PullService, APlacementWithoutAnAssetHasNeitherItemNorId) {
 }
 
 TEST(PullService, APageHasItsCurrentVersionAndOneWithoutVersionsIsntThere) {
-    const auto listing = World().fetch();
+    const auto listing = FetchWorld().fetch();
     ASSERT_EQ(listing.pages.size(), 1u);
     const auto& page = listing.pages.at({"summer"});
     EXPECT_EQ(page.name, "Summer");
@@ -225,7 +222,7 @@ TEST(PullService, APageHasItsCurrentVersionAndOneWithoutVersionsIsntThere) {
 }
 
 TEST(PullService, FinishedTestsDontExist) {
-    const auto listing = World().fetch();
+    const auto listing = FetchWorld().fetch();
     ASSERT_EQ(listing.experiments.size(), 1u);
     const auto& test = listing.experiments.at({"icons"});
     EXPECT_EQ(test.name, "Icons");
@@ -241,7 +238,7 @@ TEST(PullService, FinishedTestsDontExist) {
 }
 
 TEST(PullService, ATestWithoutAPlatformIsForIOS) {
-    World world;
+    FetchWorld world;
     world.answer("/v1/apps/7/appStoreVersionExperimentsV2", R"({"data":[{"type":"e","id":"E"}]})");
     EXPECT_EQ(world.fetch().experiments.at({"page"}).platform, StorePlatform::iOS);
 }
@@ -259,7 +256,7 @@ TEST(PullService, AKeyWithoutTheRightToSeePagesOrTestsSeesNone) {
         for (const auto* path :
              {"/v1/apps/7/appCustomProductPages", "/v1/apps/7/appStoreVersionExperimentsV2"}) {
             SCOPED_TRACE(std::string(path) + " " + std::to_string(status));
-            World world;
+            FetchWorld world;
             world.answer(path, "", status);
             const auto listing = world.fetch();
             EXPECT_EQ(listing.pages.size() + listing.experiments.size(), 1u)
@@ -278,7 +275,7 @@ TEST(PullService, AnyOtherFailureEndsTheFetch) {
                            Row{"/v2/appStoreVersionExperiments/E/appStoreVersionExperimentTreatments", 404},
                            Row{"/v1/apps/7/appInfos", 403}, Row{"/v1/apps/7", 404}}) {
         SCOPED_TRACE(row.path);
-        World world;
+        FetchWorld world;
         world.answer(row.path, "", row.status);
         EXPECT_THROW(world.fetch(), ASCError);
     }
@@ -286,7 +283,7 @@ TEST(PullService, AnyOtherFailureEndsTheFetch) {
 
 TEST(PullService, EstimatesTheRequestsOfOneFetch) {
     EXPECT_EQ(PullService::estimatedRequests({}), 6u);
-    const auto listing = World().fetch();
+    const auto listing = FetchWorld().fetch();
     // 6, a version with two localizations, a page with two, a test with a treatment of one.
     EXPECT_EQ(PullService::estimatedRequests(listing), 6u + (3 + 2) + (2 + 2) + (1 + (1 + 1)));
 }

@@ -4,6 +4,7 @@
 #include "AssetPipeline/MediaHash.h"
 #include "AssetPipeline/MediaInspector.h"
 #include "KestrinCore/StableJSON.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/MediaTools.h"
 #include "Tests/Support/PNGBytes.h"
 #include "Tests/SyncEngine/Push/MediaPushWorld.h"
@@ -15,7 +16,6 @@ using Kind = ASCLibraryAsset::Kind;
 using Colour = PNGImage::Colour;
 using namespace std::string_literals;
 
-const PlacementSlot kSlot{"IPHONE_67", "APP_SCREENSHOT"};
 constexpr const char* kMD5 = "0123456789abcdef0123456789abcdef";
 
 const std::string kOpaque = plainPNG(Colour::rgb, "\x10\x20\x30"s).bytes();

@@ -5,6 +5,7 @@
 #include <set>
 
 #include "KestrinCore/StableJSON.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/SyncEngine/Push/MediaPushWorld.h"
 
 namespace kestrin {
@@ -12,9 +13,6 @@ namespace {
 
 using Kind = ASCLibraryAsset::Kind;
 using namespace std::string_literals;
-
-const StoreLocale kGerman{"de-DE"};
-const PlacementSlot kSlot{"IPHONE_67", "APP_SCREENSHOT"};
 
 // Each letter is an asset: "AB" wants or holds asset A, then B; its placement is "pA". The second placement of an asset
 // in a slot is in lower case: "Aa".

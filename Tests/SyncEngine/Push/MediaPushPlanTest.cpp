@@ -3,20 +3,18 @@
 
 #include "AssetPipeline/MediaHash.h"
 #include "SyncEngine/Push/PushPlanner.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/PNGBytes.h"
 #include "Tests/SyncEngine/Push/MediaPushWorld.h"
 
 namespace kestrin {
 namespace {
 
-const StoreLocale kGerman{"de-DE"};
-const PlacementSlot kSlot{"IPHONE_67", "APP_SCREENSHOT"};
-const Slug kPage{"summer"}, kTest{"icons"}, kTreatment{"blue"};
 constexpr const char* kFile = "Media/a.png";
 
 const ContentKey kOnDefaultPage{ContentKey::Placements{StorePlatform::iOS, kGerman, kSlot}};
 const ContentKey kOnPage{ContentKey::PagePlacements{kPage, kGerman, kSlot}};
-const ContentKey kOnTreatment{ContentKey::TreatmentPlacements{kTest, kTreatment, kGerman, kSlot}};
+const ContentKey kOnTreatment{ContentKey::TreatmentPlacements{kTest, kBlue, kGerman, kSlot}};
 
 // A localization of each kind, all slots empty.
 RemoteListing remoteListing() {
@@ -24,7 +22,7 @@ RemoteListing remoteListing() {
     remote.ids.versions[StorePlatform::iOS].id = "V";
     remote.ids.versions[StorePlatform::iOS].localizations[kGerman] = "L1";
     remote.ids.pages[kPage].localizations[kGerman] = "L2";
-    remote.ids.experiments[kTest].treatments[kTreatment].localizations[kGerman] = "L3";
+    remote.ids.experiments[kTest].treatments[kBlue].localizations[kGerman] = "L3";
     return remote;
 }
 

@@ -81,8 +81,8 @@ TEST(ProjectPusherReview, ADamagedStateFileEndsIt) {
 
 // --- Local media
 
-struct MediaWorld : PusherWorld {
-    MediaWorld() {
+struct ReviewedMedia : PusherWorld {
+    ReviewedMedia() {
         folder.write("a.png", "a");
         set("IOS/de-DE/media/phone/shot", "file:a.png");
         answer(kRefDataPath, refData(3));
@@ -98,7 +98,7 @@ struct MediaWorld : PusherWorld {
 };
 
 TEST(ProjectPusherReview, AFileIsComparedAsTheAssetThatHoldsItsContent) {
-    MediaWorld world;
+    ReviewedMedia world;
     EXPECT_EQ(world.wanted(world.review(world.locator())), "file:a.png");
     world.putInLibrary();
     const auto review = world.review(world.locator());
@@ -109,7 +109,7 @@ TEST(ProjectPusherReview, AFileIsComparedAsTheAssetThatHoldsItsContent) {
 }
 
 TEST(ProjectPusherReview, TheLibraryIsReadImagesThenVideosAndOnlyForLocalFiles) {
-    MediaWorld world;
+    ReviewedMedia world;
     world.review(world.locator());
     std::vector<std::string> asked;
     for (const auto& path : world.paths()) {
@@ -124,7 +124,7 @@ TEST(ProjectPusherReview, TheLibraryIsReadImagesThenVideosAndOnlyForLocalFiles) 
 }
 
 TEST(ProjectPusherReview, WithoutALocatorNoFileIsLookedAt) {
-    MediaWorld world;
+    ReviewedMedia world;
     world.putInLibrary();
     const auto review = world.review();
     EXPECT_EQ(world.wanted(review), "file:a.png");
@@ -163,7 +163,7 @@ TEST(ProjectPusherReview, AConflictOfMediaNeedsReferenceDataTooAndDriftNone) {
 }
 
 TEST(ProjectPusherReview, ReferenceDataAreFetchedOnceAndKept) {
-    MediaWorld world;
+    ReviewedMedia world;
     world.review();
     world.answer(kRefDataPath, refData(4));
     world.server->paths.clear();
@@ -174,7 +174,7 @@ TEST(ProjectPusherReview, ReferenceDataAreFetchedOnceAndKept) {
 TEST(ProjectPusherReview, CachedReferenceDataThatAreDamagedAreFetchedAnew) {
     for (const auto* damaged : {"", "{", "[]", "{}", "\xFF"}) {
         SCOPED_TRACE(damaged);
-        MediaWorld world;
+        ReviewedMedia world;
         world.folder.write("state/refdata.json", damaged);
         EXPECT_EQ(world.review().refData->maxCount("shot", "phone"), 3);
         EXPECT_TRUE(world.store.refData()) << "and kept";
@@ -182,13 +182,13 @@ TEST(ProjectPusherReview, CachedReferenceDataThatAreDamagedAreFetchedAnew) {
 }
 
 TEST(ProjectPusherReview, ReferenceDataThatCantBeKeptAreUsedAllTheSame) {
-    MediaWorld world;
+    ReviewedMedia world;
     world.folder.write("state/refdata.json/in-the-way", "");
     EXPECT_EQ(world.review().refData->maxCount("shot", "phone"), 3);
 }
 
 TEST(ProjectPusherReview, ReferenceDataThatCantBeFetchedEndTheReview) {
-    MediaWorld world;
+    ReviewedMedia world;
     world.answer(kRefDataPath, "", 403);
     EXPECT_THROW(world.review(), ASCError);
 }

@@ -7,17 +7,15 @@
 #include "KestrinCore/StableJSON.h"
 #include "SyncEngine/Push/MediaPushError.h"
 #include "SyncEngine/Push/PushStepError.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/ScriptedClient.h"
 #include "Tests/SyncEngine/Push/StepText.h"
 
 namespace kestrin {
 namespace {
 
-const StoreLocale kGerman{"de-DE"};
-const StoreLocale kFrench{"fr-FR"};
 const Slug kSummer{"summer"};
 const Slug kIcons{"icons"};
-const Slug kBlue{"blue"};
 
 using Field = ListingField;
 using Steps = std::vector<PushStep>;
@@ -432,8 +430,6 @@ TEST(PushExecutor, AConflictOfAnyOtherCreateFailsItsStep) {
 }
 
 // --- Media
-
-const PlacementSlot kSlot{"IPHONE_67", "APP_SCREENSHOT"};
 
 PushStep placing(PlacementTarget target, MediaItems desired, const StoreLocale& locale = kGerman) {
     return {PushStep::PlaceMedia{{std::move(target), locale, kSlot, std::move(desired), {}, {}}}, {}};

@@ -20,62 +20,62 @@ RemoteIDs remoteIDs() {
     return ids;
 }
 
-std::string planOf(const std::vector<Change>& changes, const RemoteIDs& ids = remoteIDs()) {
+std::string stepsOf(const std::vector<Change>& changes, const RemoteIDs& ids = remoteIDs()) {
     return StepText::of(PushPlanner::plan(changes, ids));
 }
 
 TEST(PushPlanner, NoChangesAreNoSteps) {
-    EXPECT_EQ(planOf({}), "");
+    EXPECT_EQ(stepsOf({}), "");
 }
 
 // --- Categories
 
 TEST(PushPlanner, CategoriesAreOneStep) {
-    EXPECT_EQ(planOf(changesTo({{"app/primaryCategory", "GAMES"}, {"app/secondaryCategory", "BOOKS"}})),
+    EXPECT_EQ(stepsOf(changesTo({{"app/primaryCategory", "GAMES"}, {"app/secondaryCategory", "BOOKS"}})),
               "updateCategories AI primary=\"GAMES\" secondary=\"BOOKS\" <- app/primaryCategory, "
               "app/secondaryCategory\n");
 }
 
 TEST(PushPlanner, ACategoryThatDidntChangeIsAbsentAndOneThatWasEmptiedIsEmpty) {
-    EXPECT_EQ(planOf(changesTo({{"app/secondaryCategory", ""}})),
+    EXPECT_EQ(stepsOf(changesTo({{"app/secondaryCategory", ""}})),
               "updateCategories AI secondary=\"\" <- app/secondaryCategory\n");
 }
 
 // --- Localized texts
 
 TEST(PushPlanner, AnExistingLocalizationIsUpdatedWithAllItsChangedValuesEmptyOnesToo) {
-    EXPECT_EQ(planOf(changesTo({{"app/de-DE/name", "Tide"}, {"app/de-DE/subtitle", ""}})),
+    EXPECT_EQ(stepsOf(changesTo({{"app/de-DE/name", "Tide"}, {"app/de-DE/subtitle", ""}})),
               "updateAppInfoLocalization AL-de {name=\"Tide\" subtitle=\"\"} <- app/de-DE/name, "
               "app/de-DE/subtitle\n");
-    EXPECT_EQ(planOf(changesTo({{"IOS/de-DE/keywords", ""}, {"IOS/de-DE/whatsNew", "Neu"}})),
+    EXPECT_EQ(stepsOf(changesTo({{"IOS/de-DE/keywords", ""}, {"IOS/de-DE/whatsNew", "Neu"}})),
               "updateVersionLocalization L-de {keywords=\"\" whatsNew=\"Neu\"} <- IOS/de-DE/keywords, "
               "IOS/de-DE/whatsNew\n");
 }
 
 TEST(PushPlanner, ANewLocalizationIsCreatedWithItsNonEmptyValuesAndSettlesAll) {
-    EXPECT_EQ(planOf(changesTo({{"app/fr-FR/name", "Marée"}, {"app/fr-FR/subtitle", ""}})),
+    EXPECT_EQ(stepsOf(changesTo({{"app/fr-FR/name", "Marée"}, {"app/fr-FR/subtitle", ""}})),
               "createAppInfoLocalization AI fr-FR {name=\"Marée\"} <- app/fr-FR/name, app/fr-FR/subtitle\n");
-    EXPECT_EQ(planOf(changesTo({{"IOS/fr-FR/keywords", ""}, {"IOS/fr-FR/whatsNew", "Neuf"}})),
+    EXPECT_EQ(stepsOf(changesTo({{"IOS/fr-FR/keywords", ""}, {"IOS/fr-FR/whatsNew", "Neuf"}})),
               "createVersionLocalization V-ios fr-FR {whatsNew=\"Neuf\"} <- IOS/fr-FR/keywords, "
               "IOS/fr-FR/whatsNew\n");
 }
 
 TEST(PushPlanner, ACreateOfOnlyEmptyValuesIsStillAStep) {
-    EXPECT_EQ(planOf(changesTo({{"app/fr-FR/subtitle", ""}})),
+    EXPECT_EQ(stepsOf(changesTo({{"app/fr-FR/subtitle", ""}})),
               "createAppInfoLocalization AI fr-FR {} <- app/fr-FR/subtitle\n");
-    EXPECT_EQ(planOf(changesTo({{"IOS/fr-FR/keywords", ""}})),
+    EXPECT_EQ(stepsOf(changesTo({{"IOS/fr-FR/keywords", ""}})),
               "createVersionLocalization V-ios fr-FR {} <- IOS/fr-FR/keywords\n");
-    EXPECT_EQ(planOf(changesTo({{"MAC_OS/review/notes", ""}})),
+    EXPECT_EQ(stepsOf(changesTo({{"MAC_OS/review/notes", ""}})),
               "createReviewDetail V-mac {} <- MAC_OS/review/notes\n");
 }
 
 TEST(PushPlanner, LocalizationsAreInTheOrderOfPlatformsAndLocales) {
-    EXPECT_EQ(planOf(changesTo({{"MAC_OS/de-DE/whatsNew", "d"},
-                                {"IOS/fr-FR/whatsNew", "b"},
-                                {"app/fr-FR/name", "y"},
-                                {"IOS/de-DE/whatsNew", "a"},
-                                {"app/de-DE/name", "x"},
-                                {"MAC_OS/ar-SA/whatsNew", "c"}})),
+    EXPECT_EQ(stepsOf(changesTo({{"MAC_OS/de-DE/whatsNew", "d"},
+                                 {"IOS/fr-FR/whatsNew", "b"},
+                                 {"app/fr-FR/name", "y"},
+                                 {"IOS/de-DE/whatsNew", "a"},
+                                 {"app/de-DE/name", "x"},
+                                 {"MAC_OS/ar-SA/whatsNew", "c"}})),
               "updateAppInfoLocalization AL-de {name=\"x\"} <- app/de-DE/name\n"
               "createAppInfoLocalization AI fr-FR {name=\"y\"} <- app/fr-FR/name\n"
               "updateVersionLocalization L-de {whatsNew=\"a\"} <- IOS/de-DE/whatsNew\n"
@@ -87,19 +87,19 @@ TEST(PushPlanner, LocalizationsAreInTheOrderOfPlatformsAndLocales) {
 // --- Versions and App Review
 
 TEST(PushPlanner, TheAttributesOfAVersionAreOneStepPerPlatform) {
-    EXPECT_EQ(planOf(changesTo({{"MAC_OS/version/copyright", "2026"},
-                                {"IOS/version/versionString", "2.0"},
-                                {"IOS/version/copyright", ""}})),
+    EXPECT_EQ(stepsOf(changesTo({{"MAC_OS/version/copyright", "2026"},
+                                 {"IOS/version/versionString", "2.0"},
+                                 {"IOS/version/copyright", ""}})),
               "updateVersion V-ios {versionString=\"2.0\" copyright=\"\"} <- IOS/version/versionString, "
               "IOS/version/copyright\n"
               "updateVersion V-mac {copyright=\"2026\"} <- MAC_OS/version/copyright\n");
 }
 
 TEST(PushPlanner, ReviewDetailsAreUpdatedWhereThereAreSomeAndElseCreated) {
-    EXPECT_EQ(planOf(changesTo({{"IOS/review/contactPhone", ""},
-                                {"IOS/review/notes", "Hi"},
-                                {"MAC_OS/review/demoAccountRequired", "false"},
-                                {"MAC_OS/review/notes", ""}})),
+    EXPECT_EQ(stepsOf(changesTo({{"IOS/review/contactPhone", ""},
+                                 {"IOS/review/notes", "Hi"},
+                                 {"MAC_OS/review/demoAccountRequired", "false"},
+                                 {"MAC_OS/review/notes", ""}})),
               "updateReviewDetail R {contactPhone=\"\" notes=\"Hi\"} <- IOS/review/contactPhone, "
               "IOS/review/notes\n"
               "createReviewDetail V-mac {demoAccountRequired=\"false\"} <- "
@@ -111,25 +111,25 @@ TEST(PushPlanner, ReviewDetailsAreUpdatedWhereThereAreSomeAndElseCreated) {
 TEST(PushPlanner, WithoutAnAppInfoCategoriesAndTextsOfTheAppGiveNothing) {
     auto ids = remoteIDs();
     ids.appInfoID.reset();
-    EXPECT_EQ(planOf(changesTo({{"app/primaryCategory", "GAMES"},
-                                {"app/de-DE/name", "Tide"},
-                                {"app/fr-FR/name", "Marée"},
-                                {"IOS/version/copyright", "2026"}}),
-                     ids),
+    EXPECT_EQ(stepsOf(changesTo({{"app/primaryCategory", "GAMES"},
+                                 {"app/de-DE/name", "Tide"},
+                                 {"app/fr-FR/name", "Marée"},
+                                 {"IOS/version/copyright", "2026"}}),
+                      ids),
               "updateVersion V-ios {copyright=\"2026\"} <- IOS/version/copyright\n");
 }
 
 TEST(PushPlanner, APlatformWithoutAVersionGivesNothing) {
-    EXPECT_EQ(planOf(changesTo({{"TV_OS/version/copyright", "2026"},
-                                {"TV_OS/de-DE/whatsNew", "Neu"},
-                                {"TV_OS/review/notes", "Hi"},
-                                {"TV_OS/de-DE/media/group/type", "asset:1"}})),
+    EXPECT_EQ(stepsOf(changesTo({{"TV_OS/version/copyright", "2026"},
+                                 {"TV_OS/de-DE/whatsNew", "Neu"},
+                                 {"TV_OS/review/notes", "Hi"},
+                                 {"TV_OS/de-DE/media/group/type", "asset:1"}})),
               "");
 }
 
 // --- The whole order
 
-RemoteListing listing() {
+RemoteListing remoteWithPage() {
     RemoteListing remote;
     remote.appID = "7";
     remote.ids = remoteIDs();
@@ -150,7 +150,8 @@ const auto kEverything = changesTo({
 });
 
 TEST(PushPlanner, ParentsGoAheadOfChildrenTextAheadOfMediaAndUploadsAheadOfSlots) {
-    EXPECT_EQ(StepText::of(PushPlanner::plan(kEverything, listing(), {{"a.png", "aa"}, {"b.png", "bb"}}, {})),
+    EXPECT_EQ(StepText::of(
+                  PushPlanner::plan(kEverything, remoteWithPage(), {{"a.png", "aa"}, {"b.png", "bb"}}, {})),
               "updateCategories AI primary=\"GAMES\" <- app/primaryCategory\n"
               "updateAppInfoLocalization AL-de {name=\"Tide\"} <- app/de-DE/name\n"
               "updateVersion V-ios {copyright=\"2026\"} <- IOS/version/copyright\n"
@@ -170,18 +171,18 @@ TEST(PushPlanner, TheOrderOfTheStepsDoesntFollowTheOrderOfTheChanges) {
     auto reversed = kEverything;
     std::reverse(reversed.begin(), reversed.end());
     const PushPlanner::MediaHashes hashes{{"a.png", "aa"}, {"b.png", "bb"}};
-    EXPECT_EQ(StepText::of(PushPlanner::plan(reversed, listing(), hashes, {})),
-              StepText::of(PushPlanner::plan(kEverything, listing(), hashes, {})));
+    EXPECT_EQ(StepText::of(PushPlanner::plan(reversed, remoteWithPage(), hashes, {})),
+              StepText::of(PushPlanner::plan(kEverything, remoteWithPage(), hashes, {})));
 }
 
 TEST(PushPlanner, AStepsKeysAreInTheOrderOfTheChanges) {
-    EXPECT_EQ(planOf(changesTo({{"IOS/version/releaseType", "MANUAL"}, {"IOS/version/copyright", "2026"}})),
+    EXPECT_EQ(stepsOf(changesTo({{"IOS/version/releaseType", "MANUAL"}, {"IOS/version/copyright", "2026"}})),
               "updateVersion V-ios {copyright=\"2026\" releaseType=\"MANUAL\"} <- IOS/version/releaseType, "
               "IOS/version/copyright\n");
 }
 
 TEST(PushPlanner, WithIdsAloneThereIsNoAppToMakePagesIn) {
-    EXPECT_EQ(planOf(changesTo({{"pages/summer/name", "Summer"}})), "");
+    EXPECT_EQ(stepsOf(changesTo({{"pages/summer/name", "Summer"}})), "");
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 namespace kestrin {
 namespace {
 
-const PlacementSlot kSlot{"phone", "shot"};
+const PlacementSlot kPhone{"phone", "shot"};
 const ContentKey kCopyright = keyOf("IOS/version/copyright");
 const ContentKey kRelease = keyOf("IOS/version/releaseType");
 
@@ -126,7 +126,7 @@ void setRemoteSlot(PushReview& review, const std::vector<std::string>& assets) {
     auto& content = review.remote.platforms[StorePlatform::iOS];
     for (const auto& asset : assets) {
         version.placements[{"de-DE"}]["phone/shot"].push_back("P" + asset);
-        content.media[{"de-DE"}][kSlot].push_back(MediaItem::remote(asset));
+        content.media[{"de-DE"}][kPhone].push_back(MediaItem::remote(asset));
     }
 }
 

@@ -2,16 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include "Tests/Support/ListingNames.h"
 #include "Tests/SyncEngine/Push/PlannedChanges.h"
 #include "Tests/SyncEngine/Push/StepText.h"
 
 namespace kestrin {
 namespace {
 
-const StoreLocale kGerman{"de-DE"};
 const Slug kSummer{"summer"};
 const Slug kIcons{"icons"};
-const Slug kBlue{"blue"};
 const std::vector<ContentKey> kNoKeys;
 
 TEST(PushStep, IsACreateExactlyForTheActionsThatMakeSomething) {

@@ -52,8 +52,8 @@ std::string outline(const Progress& progress) {
 }
 
 // A build of six bytes, a server that follows a script, and a clock of the test's own.
-struct World {
-    explicit World(std::vector<Step> script = {}) : api(std::move(script)) {
+struct UploadWorld {
+    explicit UploadWorld(std::vector<Step> script = {}) : api(std::move(script)) {
         folder.write("App.ipa", "abcdef");
     }
 
@@ -115,7 +115,7 @@ std::optional<BuildUploadError::Kind> errorOf(Call&& call) {
 }
 
 TEST(BuildUploader, SendsOnePartAndTellsEachStep) {
-    World world(scriptFor(operation(0, 6), {reply(200)}));
+    UploadWorld world(scriptFor(operation(0, 6), {reply(200)}));
 
     const auto result = world.upload();
 
@@ -129,7 +129,7 @@ TEST(BuildUploader, SendsOnePartAndTellsEachStep) {
 }
 
 TEST(BuildUploader, SaysWhatItUploadsAndTheDigestOfTheWhole) {
-    World world(scriptFor(operation(0, 6), {reply(200)}));
+    UploadWorld world(scriptFor(operation(0, 6), {reply(200)}));
 
     world.upload();
 
@@ -147,14 +147,14 @@ TEST(BuildUploader, SaysWhatItUploadsAndTheDigestOfTheWhole) {
 }
 
 TEST(BuildUploader, APackageHasATypeOfItsOwn) {
-    World world(scriptFor(operation(0, 6), {reply(200)}));
+    UploadWorld world(scriptFor(operation(0, 6), {reply(200)}));
     world.info.kind = BuildArchiveInfo::Kind::pkg;
     world.upload();
     EXPECT_NE(world.api.body(1).find(R"("uti" : "com.apple.pkg")"), std::string::npos);
 }
 
 TEST(BuildUploader, ANameThatIsNoTextIsRepaired) {
-    World world(scriptFor(operation(0, 6), {reply(200)}));
+    UploadWorld world(scriptFor(operation(0, 6), {reply(200)}));
     world.folder.write("App\xFF.ipa", "abcdef");
     world.file = world.folder / "App\xFF.ipa";
     world.upload();
@@ -162,8 +162,8 @@ TEST(BuildUploader, ANameThatIsNoTextIsRepaired) {
 }
 
 TEST(BuildUploader, SendsTheRangesInTheOrderGivenWithTheirHeaders) {
-    World world(scriptFor(operation(4, 2) + "," + operation(0, 2) + "," + operation(2, 2),
-                          {reply(200), reply(200), reply(200)}));
+    UploadWorld world(scriptFor(operation(4, 2) + "," + operation(0, 2) + "," + operation(2, 2),
+                                {reply(200), reply(200), reply(200)}));
 
     world.upload();
 
@@ -178,7 +178,7 @@ TEST(BuildUploader, SendsTheRangesInTheOrderGivenWithTheirHeaders) {
 }
 
 TEST(BuildUploader, ItsPartsAreOneUploadToWhoeverShowsHowFarItIs) {
-    World world(scriptFor(operation(0, 4) + "," + operation(4, 2), {reply(200), reply(200)}));
+    UploadWorld world(scriptFor(operation(0, 4) + "," + operation(4, 2), {reply(200), reply(200)}));
 
     world.upload();
 
@@ -191,14 +191,15 @@ TEST(BuildUploader, ItsPartsAreOneUploadToWhoeverShowsHowFarItIs) {
 }
 
 TEST(BuildUploader, APartThatFailsTwiceAndThenWorksIsNoFailure) {
-    World world(scriptFor(operation(0, 6), {reply(500), fail(TransportError::Code::timedOut), reply(200)}));
+    UploadWorld world(
+        scriptFor(operation(0, 6), {reply(500), fail(TransportError::Code::timedOut), reply(200)}));
     EXPECT_EQ(world.upload().buildID, "B");
     EXPECT_EQ(world.requests()[4], "PUT https://up.example.test/0");
     EXPECT_EQ(world.api.time.slept, (std::vector<Seconds>{1s, 2s}));
 }
 
 TEST(BuildUploader, APartThatIsRefusedEndsTheUpload) {
-    World world(
+    UploadWorld world(
         {reply(201, kUpload), reply(201, fileReply(operation(0, 3) + "," + operation(3, 3))), reply(403)});
     EXPECT_EQ(outcomeOf([&] { world.upload(); }), "http 403 upload");
     EXPECT_EQ(world.api.server->sent.size(), 3u);
@@ -211,7 +212,7 @@ TEST(BuildUploader, AnyRequestThatFailsEndsTheUploadWithTheClientsError) {
         SCOPED_TRACE(failing);
         auto script = std::vector<Step>(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(failing));
         script.push_back(reply(409));
-        World world(script);
+        UploadWorld world(script);
         EXPECT_EQ(outcomeOf([&] { world.upload(); }).substr(0, 8), "http 409");
         EXPECT_TRUE(world.api.server->isAtTheEnd());
     }
@@ -221,7 +222,7 @@ TEST(BuildUploader, WithoutAVersionOrABuildNumberNothingHappens) {
     for (auto versions : {&BuildArchiveInfo::shortVersion, &BuildArchiveInfo::buildVersion}) {
         for (const std::optional<std::string>& value :
              {std::optional<std::string>(), std::optional<std::string>("")}) {
-            World world;
+            UploadWorld world;
             world.info.*versions = value;
             EXPECT_EQ(errorOf([&] { world.upload(); }),
                       BuildUploadError::Kind(BuildUploadError::MissingVersions{}));
@@ -232,26 +233,26 @@ TEST(BuildUploader, WithoutAVersionOrABuildNumberNothingHappens) {
 }
 
 TEST(BuildUploader, WithoutAPlaceToSendToItFails) {
-    World world({reply(201, kUpload), reply(201, fileReply(""))});
+    UploadWorld world({reply(201, kUpload), reply(201, fileReply(""))});
     EXPECT_EQ(errorOf([&] { world.upload(); }),
               BuildUploadError::Kind(BuildUploadError::NoUploadOperations{}));
     EXPECT_EQ(world.progress, (Lines{"hashing", "reserving"}));
 }
 
 TEST(BuildUploader, AFileThatChangesWhileItIsSentIsAnErrorOfItsOwn) {
-    using Change = std::function<void(World&)>;
+    using Change = std::function<void(UploadWorld&)>;
     const std::pair<const char*, Change> changes[] = {
-        {"it is written to", [](World& world) { world.folder.write("App.ipa", "ABCDEF"); }},
-        {"it grows", [](World& world) { world.folder.write("App.ipa", "abcdefg"); }},
+        {"it is written to", [](UploadWorld& world) { world.folder.write("App.ipa", "ABCDEF"); }},
+        {"it grows", [](UploadWorld& world) { world.folder.write("App.ipa", "abcdefg"); }},
         {"it grows, and says that it didn't",
-         [](World& world) {
+         [](UploadWorld& world) {
              const auto before = std::filesystem::last_write_time(world.file);
              world.folder.write("App.ipa", "abcdefg");
              std::filesystem::last_write_time(world.file, before);
          }},
-        {"it shrinks", [](World& world) { world.folder.write("App.ipa", "abc"); }},
+        {"it shrinks", [](UploadWorld& world) { world.folder.write("App.ipa", "abc"); }},
         {"another one takes its place",
-         [](World& world) {
+         [](UploadWorld& world) {
              world.folder.write("New.ipa", "abcdef");
              std::filesystem::last_write_time(world.folder / "New.ipa",
                                               std::filesystem::last_write_time(world.file));
@@ -260,8 +261,9 @@ TEST(BuildUploader, AFileThatChangesWhileItIsSentIsAnErrorOfItsOwn) {
     };
     for (const auto& [what, change] : changes) {
         SCOPED_TRACE(what);
-        World world({reply(201, kUpload), reply(201, fileReply(operation(0, 3) + "," + operation(3, 3))),
-                     reply(200), reply(200)});
+        UploadWorld world({reply(201, kUpload),
+                           reply(201, fileReply(operation(0, 3) + "," + operation(3, 3))), reply(200),
+                           reply(200)});
         std::filesystem::last_write_time(world.file, std::filesystem::file_time_type::clock::now() - 1h);
         world.onProgress = [&, change = change](const std::string& step) {
             if (step == "sending 1 of 2") change(world);
@@ -281,7 +283,7 @@ TEST(BuildUploader, AFileThatChangesIsToldRatherThanWhatItMakesOfThePart) {
     };
     for (const auto& [what, failure] : failures) {
         SCOPED_TRACE(what);
-        World world({reply(201, kUpload), reply(201, fileReply(operation(0, 6))), failure});
+        UploadWorld world({reply(201, kUpload), reply(201, fileReply(operation(0, 6))), failure});
         world.onProgress = [&](const std::string& step) {
             if (step == "sending 0 of 1") world.folder.write("App.ipa", "abc");
         };
@@ -293,13 +295,13 @@ TEST(BuildUploader, AFileThatChangesIsToldRatherThanWhatItMakesOfThePart) {
 TEST(BuildUploader, AFileThatCannotBeReadButIsTheSameIsTheFileError) {
     const FileError unreadable(FileError::Operation::read, "App.ipa",
                                std::make_error_code(std::errc::io_error));
-    World world({reply(201, kUpload), reply(201, fileReply(operation(0, 6))),
-                 [&](auto&&...) -> HTTPResponse { throw unreadable; }});
+    UploadWorld world({reply(201, kUpload), reply(201, fileReply(operation(0, 6))),
+                       [&](auto&&...) -> HTTPResponse { throw unreadable; }});
     EXPECT_THROW(world.upload(), FileError);
 }
 
 TEST(BuildUploader, AFileThatIsNotTheOneThatWasInspectedIsNotSent) {
-    World world;
+    UploadWorld world;
     world.folder.write("App.ipa", "abcdefg");
     EXPECT_EQ(errorOf([&] { world.upload(); }),
               BuildUploadError::Kind(BuildUploadError::FileChanged{"App.ipa"}));
@@ -309,7 +311,7 @@ TEST(BuildUploader, AFileThatIsNotTheOneThatWasInspectedIsNotSent) {
 TEST(BuildUploader, AFileThatVanishesIsNamed) {
     for (const char* when : {"hashing", "sending 0 of 1"}) {
         SCOPED_TRACE(when);
-        World world({reply(201, kUpload), reply(201, fileReply(operation(0, 6))), reply(200)});
+        UploadWorld world({reply(201, kUpload), reply(201, fileReply(operation(0, 6))), reply(200)});
         world.onProgress = [&](const std::string& step) {
             if (step == when) std::filesystem::remove(world.file);
         };
@@ -324,8 +326,8 @@ TEST(BuildUploader, AFileThatVanishesIsNamed) {
 }
 
 TEST(BuildUploaderPolling, WaitsOneIntervalBetweenTwoLooks) {
-    World world({reply(200, state("AWAITING_UPLOAD")), reply(200, state("PROCESSING")),
-                 reply(200, state("COMPLETE", "", "B"))});
+    UploadWorld world({reply(200, state("AWAITING_UPLOAD")), reply(200, state("PROCESSING")),
+                       reply(200, state("COMPLETE", "", "B"))});
     EXPECT_EQ(world.waitForBuild(), (BuildUploadResult{"U", "B", {}}));
     EXPECT_EQ(world.progress,
               (Lines{"processing AWAITING_UPLOAD", "processing PROCESSING", "processing COMPLETE"}));
@@ -334,34 +336,36 @@ TEST(BuildUploaderPolling, WaitsOneIntervalBetweenTwoLooks) {
 }
 
 TEST(BuildUploaderPolling, AStateThatNobodyKnowsIsStillProcessing) {
-    World world({reply(200, state("FERMENTING")), reply(200, R"({"data":{"type":"buildUploads","id":"U"}})"),
-                 reply(200), reply(200, state("COMPLETE"))});
+    UploadWorld world({reply(200, state("FERMENTING")),
+                       reply(200, R"({"data":{"type":"buildUploads","id":"U"}})"), reply(200),
+                       reply(200, state("COMPLETE"))});
     world.waitForBuild();
     EXPECT_EQ(world.progress,
               (Lines{"processing FERMENTING", "processing ", "processing ", "processing COMPLETE"}));
 }
 
 TEST(BuildUploaderPolling, ABuildThatIsNotListedYetHasNoID) {
-    World world({reply(200, state("COMPLETE"))});
+    UploadWorld world({reply(200, state("COMPLETE"))});
     EXPECT_EQ(world.waitForBuild(), (BuildUploadResult{"U", std::nullopt, {}}));
 }
 
 TEST(BuildUploaderPolling, PassesTheWarningsOn) {
-    World world(
+    UploadWorld world(
         {reply(200, state("COMPLETE", R"(,"warnings":[{"description":"Too large."},{"code":"W2"}])"))});
     EXPECT_EQ(world.waitForBuild().warnings, (Lines{"Too large.", "W2"}));
 }
 
 TEST(BuildUploaderPolling, ARejectionHasTheErrorsOfTheService) {
-    World world({reply(200, state("FAILED", R"(,"errors":[{"description":"No icon."},{"code":"E2"}])"))});
+    UploadWorld world(
+        {reply(200, state("FAILED", R"(,"errors":[{"description":"No icon."},{"code":"E2"}])"))});
     EXPECT_EQ(errorOf([&] { world.waitForBuild(); }),
               BuildUploadError::Kind(BuildUploadError::Rejected{{"No icon.", "E2"}}));
-    World bare({reply(200, state("FAILED"))});
+    UploadWorld bare({reply(200, state("FAILED"))});
     EXPECT_EQ(errorOf([&] { bare.waitForBuild(); }), BuildUploadError::Kind(BuildUploadError::Rejected{}));
 }
 
 TEST(BuildUploaderPolling, GivesUpAfterHalfAnHourOf121Looks) {
-    World world(times(121, reply(200, state("PROCESSING"))));
+    UploadWorld world(times(121, reply(200, state("PROCESSING"))));
     EXPECT_EQ(errorOf([&] { world.waitForBuild(); }),
               BuildUploadError::Kind(BuildUploadError::StillProcessing{"U"}));
     EXPECT_EQ(world.api.server->sent.size(), 121u);
@@ -369,7 +373,7 @@ TEST(BuildUploaderPolling, GivesUpAfterHalfAnHourOf121Looks) {
 }
 
 TEST(BuildUploaderPolling, ATimeoutThatIsNoMultipleOfTheIntervalIsRoundedUp) {
-    World world(times(4, reply(200, state("PROCESSING"))));
+    UploadWorld world(times(4, reply(200, state("PROCESSING"))));
     BuildUploader uploader(world.api.client, {.pollInterval = 10s, .timeout = 25s}, world.api.time.sleep());
     EXPECT_TRUE(errorOf([&] { uploader.waitForBuild("U", [](const Progress&) {}); }).has_value());
     EXPECT_EQ(world.api.time.slept.size(), 3u);

@@ -7,27 +7,20 @@
 #include "SyncEngine/Pull/SyncError.h"
 #include "SyncEngine/Release/ProductPageReleaseError.h"
 #include "Tests/ASCKit/ClientOutcome.h"
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/ScriptedClient.h"
+#include "Tests/SyncEngine/Release/SubmissionTraffic.h"
 
 namespace kestrin {
 namespace {
 
-using Failure = ProductPageReleaseError;
+using Refusal = ProductPageReleaseError;
 using Lines = std::vector<std::string>;
 
-const Slug kPage{"summer"};
-const Slug kTest{"icons"};
-const Slug kBlue{"blue"};
 const Slug kOther{"other"};
-const StoreLocale kGerman{"de-DE"};
-const PlacementSlot kSlot{"IPHONE_67", "APP_SCREENSHOT"};
 
-constexpr const char* kNone = R"({"data":[]})";
 constexpr const char* kOneItem = R"({"data":[{"type":"reviewSubmissionItems","id":"I"}]})";
-constexpr const char* kSubmission = R"({"data":{"type":"reviewSubmissions","id":"S"}})";
-constexpr const char* kSent =
-    R"({"data":{"type":"reviewSubmissions","id":"S","attributes":{"state":"WAITING_FOR_REVIEW"}}})";
-constexpr const char* kItem = R"({"data":{"type":"reviewSubmissionItems","id":"I"}})";
+constexpr const char* kSubmissionOfPages = R"({"data":{"type":"reviewSubmissions","id":"S"}})";
 
 std::string find(const std::string& platform) {
     return "GET /v1/reviewSubmissions?filter%5Bapp%5D=7&filter%5Bplatform%5D=" + platform +
@@ -42,12 +35,10 @@ const std::string kAddPage =
     R"(POST /v1/reviewSubmissionItems {"data":{"attributes":{},"relationships":{"appCustomProductPageVersion":{"data":{"id":"PV","type":"appCustomProductPageVersions"}},"reviewSubmission":{"data":{"id":"S","type":"reviewSubmissions"}}},"type":"reviewSubmissionItems"}})";
 const std::string kAddTest =
     R"(POST /v1/reviewSubmissionItems {"data":{"attributes":{},"relationships":{"appStoreVersionExperimentV2":{"data":{"id":"E","type":"appStoreVersionExperiments"}},"reviewSubmission":{"data":{"id":"S","type":"reviewSubmissions"}}},"type":"reviewSubmissionItems"}})";
-const std::string kSend =
-    R"(PATCH /v1/reviewSubmissions/S {"data":{"attributes":{"submitted":true},"id":"S","type":"reviewSubmissions"}})";
 
 // A page and a Mac test that were pushed and can be sent.
-struct World {
-    explicit World(std::vector<ScriptedTransport::Step> script = {}) : api(std::move(script)) {
+struct SentWorld {
+    explicit SentWorld(std::vector<ScriptedTransport::Step> script = {}) : api(std::move(script)) {
         project.manifest.app.ascAppID = "7";
         review.remote.ids.pages[kPage] = {"P", {}, "PV", "PREPARE_FOR_SUBMISSION", {}, {}};
         review.remote.ids.experiments[kTest] = {"E", "PREPARE_FOR_SUBMISSION", {}};
@@ -64,22 +55,22 @@ struct World {
     void startTest() { releaser.startExperiment(kTest, review); }
 };
 
-using Operation = void (*)(World&);
-void submitPage(World& world) {
+using Operation = void (*)(SentWorld&);
+void submitPage(SentWorld& world) {
     world.submitPage();
 }
-void submitTest(World& world) {
+void submitTest(SentWorld& world) {
     world.submitTest();
 }
-void startTest(World& world) {
+void startTest(SentWorld& world) {
     world.startTest();
 }
 
 // The error, or nothing when the call got as far as the first request.
-std::optional<Failure::Kind> refusal(World& world, Operation operation) {
+std::optional<Refusal::Kind> refusal(SentWorld& world, Operation operation) {
     try {
         operation(world);
-    } catch (const Failure& failure) {
+    } catch (const Refusal& failure) {
         return failure.kind;
     } catch (const ASCError&) {
         return std::nullopt;
@@ -87,12 +78,13 @@ std::optional<Failure::Kind> refusal(World& world, Operation operation) {
     return std::nullopt;
 }
 
-World refusingWorld() {
-    return World(times(1, reply(403, "{}")));
+SentWorld refusingWorld() {
+    return SentWorld(times(1, reply(403, "{}")));
 }
 
 TEST(ProductPageReleaser, SendsAPageUnderIOSInANewSubmission) {
-    World world({reply(200, kNone), reply(201, kSubmission), reply(201, kItem), reply(200, kSent)});
+    SentWorld world(
+        {reply(200, kNone), reply(201, kSubmissionOfPages), reply(201, kItem), reply(200, kSent)});
     const auto submission = world.submitPage();
     ASSERT_TRUE(submission);
     EXPECT_EQ(submission->state, "WAITING_FOR_REVIEW");
@@ -100,44 +92,46 @@ TEST(ProductPageReleaser, SendsAPageUnderIOSInANewSubmission) {
 }
 
 TEST(ProductPageReleaser, SendsATestUnderItsOwnPlatform) {
-    World world({reply(200, kNone), reply(201, kSubmission), reply(201, kItem), reply(200, kSent)});
+    SentWorld world(
+        {reply(200, kNone), reply(201, kSubmissionOfPages), reply(201, kItem), reply(200, kSent)});
     EXPECT_TRUE(world.submitTest());
     EXPECT_EQ(world.api.requests(), (Lines{find("MAC_OS"), create("MAC_OS"), kAddTest, kSend}));
 }
 
 TEST(ProductPageReleaser, SendsATestOfUnknownPlatformUnderIOS) {
-    World world({reply(200, kNone), reply(201, kSubmission), reply(201, kItem), reply(200, kSent)});
+    SentWorld world(
+        {reply(200, kNone), reply(201, kSubmissionOfPages), reply(201, kItem), reply(200, kSent)});
     world.review.remote.experiments.clear();
     world.submitTest();
     EXPECT_EQ(world.api.requests()[0], find("IOS"));
 }
 
 TEST(ProductPageReleaser, TakesAnEmptyOpenSubmissionUpAgain) {
-    World world({reply(200, kSubmission), reply(200, kNone), reply(201, kItem), reply(204)});
+    SentWorld world({reply(200, kSubmissionOfPages), reply(200, kNone), reply(201, kItem), reply(204)});
     EXPECT_FALSE(world.submitPage()) << "an empty reply says nothing and is a success";
     EXPECT_EQ(world.api.requests(), (Lines{find("IOS"), kCount, kAddPage, kSend}));
 }
 
 TEST(ProductPageReleaser, NeverJoinsASubmissionThatHoldsSomething) {
     for (const auto operation : {submitPage, submitTest}) {
-        World world({reply(200, kSubmission), reply(200, kOneItem)});
-        EXPECT_EQ(refusal(world, operation), Failure::Kind(Failure::SubmissionInProgress{}));
+        SentWorld world({reply(200, kSubmissionOfPages), reply(200, kOneItem)});
+        EXPECT_EQ(refusal(world, operation), Refusal::Kind(Refusal::SubmissionInProgress{}));
         EXPECT_EQ(world.api.requests().size(), 2u);
     }
 }
 
 TEST(ProductPageReleaser, EndsWhenTheItemIsRefusedAsAConflict) {
-    World world({reply(200, kSubmission), reply(200, kNone), reply(409, "{}")});
+    SentWorld world({reply(200, kSubmissionOfPages), reply(200, kNone), reply(409, "{}")});
     EXPECT_EQ(outcomeOf([&] { world.submitPage(); }), "http 409 /v1/reviewSubmissionItems");
     EXPECT_TRUE(world.api.server->isAtTheEnd()) << "nothing was sent";
 }
 
 TEST(ProductPageReleaser, SendsAndStartsNothingThatIsNotPushed) {
     for (const auto operation : {submitPage, submitTest, startTest}) {
-        World world;
+        SentWorld world;
         world.review.remote.ids.pages.clear();
         world.review.remote.ids.experiments.clear();
-        EXPECT_EQ(refusal(world, operation), Failure::Kind(Failure::NotPushed{}));
+        EXPECT_EQ(refusal(world, operation), Refusal::Kind(Refusal::NotPushed{}));
         EXPECT_TRUE(world.api.requests().empty());
     }
 }
@@ -167,7 +161,7 @@ TEST(ProductPageReleaser, SendsNothingWithUnpushedChangesOfItsOwn) {
          ContentKey::Treatment{kOther, kBlue, TreatmentAttribute::name}, false},
         {"a page of that name", submitTest, ContentKey::Page{kTest, PageAttribute::name}, false},
     };
-    const auto unpushed = Failure::Kind(Failure::UnpushedChanges{});
+    const auto unpushed = Refusal::Kind(Refusal::UnpushedChanges{});
     for (const auto& row : rows) {
         SCOPED_TRACE(row.when);
         for (const auto list : {&ChangeSet::changes, &ChangeSet::conflicts, &ChangeSet::drift}) {
@@ -195,20 +189,20 @@ TEST(ProductPageReleaser, SendsOnlyWhatIsInAStateToBeSent) {
             auto world = refusingWorld();
             world.review.remote.ids.pages[kPage].versionState = row.state;
             world.review.remote.ids.experiments[kTest].state = row.state;
-            const Failure::Kind refused = Failure::NotSubmittable{row.state};
+            const Refusal::Kind refused = Refusal::NotSubmittable{row.state};
             EXPECT_EQ(refusal(world, operation), row.isSent ? std::nullopt : std::optional(refused));
         }
     }
 }
 
 TEST(ProductPageReleaser, LooksForChangesBeforeTheStateAndForTheAppAfterIt) {
-    World world;
+    SentWorld world;
     world.project.manifest.app.ascAppID.reset();
     world.review.remote.ids.pages[kPage].versionState = "APPROVED";
     world.review.changeSet.changes = {{ContentKey::Page{kPage, PageAttribute::name}, "a", "b"}};
-    EXPECT_EQ(refusal(world, submitPage), Failure::Kind(Failure::UnpushedChanges{}));
+    EXPECT_EQ(refusal(world, submitPage), Refusal::Kind(Refusal::UnpushedChanges{}));
     world.review.changeSet = {};
-    EXPECT_EQ(refusal(world, submitPage), Failure::Kind(Failure::NotSubmittable{"APPROVED"}));
+    EXPECT_EQ(refusal(world, submitPage), Refusal::Kind(Refusal::NotSubmittable{"APPROVED"}));
     world.review.remote.ids.pages[kPage].versionState = "REJECTED";
     EXPECT_THROW(world.submitPage(), SyncError);
     EXPECT_TRUE(world.api.requests().empty());
@@ -217,7 +211,7 @@ TEST(ProductPageReleaser, LooksForChangesBeforeTheStateAndForTheAppAfterIt) {
 TEST(ProductPageReleaser, StartsAnApprovedTest) {
     for (const auto* state : {"APPROVED", "ACCEPTED"}) {
         SCOPED_TRACE(state);
-        World world({reply(200, R"({"data":{"type":"appStoreVersionExperiments","id":"E"}})")});
+        SentWorld world({reply(200, R"({"data":{"type":"appStoreVersionExperiments","id":"E"}})")});
         world.review.remote.ids.experiments[kTest].state = state;
         world.startTest();
         EXPECT_EQ(
@@ -229,9 +223,9 @@ TEST(ProductPageReleaser, StartsAnApprovedTest) {
 
 TEST(ProductPageReleaser, StartsNoOtherTest) {
     for (const auto* state : {"READY_FOR_REVIEW", "REJECTED", "IN_REVIEW", ""}) {
-        World world;
+        SentWorld world;
         world.review.remote.ids.experiments[kTest].state = state;
-        EXPECT_EQ(refusal(world, startTest), Failure::Kind(Failure::NotStartable{state}));
+        EXPECT_EQ(refusal(world, startTest), Refusal::Kind(Refusal::NotStartable{state}));
         EXPECT_TRUE(world.api.requests().empty());
     }
 }

@@ -3,14 +3,11 @@
 
 #include "ASCKit/Resources/Builds.h"
 #include "SyncEngine/Push/PushReview.h"
+#include "Tests/Support/ListingNames.h"
 
 namespace kestrin {
 
 struct ReadyVersion {
-    static inline const StoreLocale german{"de-DE"};
-    static inline const StoreLocale french{"fr-FR"};
-    static inline const PlacementSlot phone{"IPHONE_67", "APP_SCREENSHOT"};
-
     StorePlatform platform = StorePlatform::iOS;
     Project project;
     PushReview review;
@@ -21,17 +18,17 @@ struct ReadyVersion {
         auto& manifest = project.manifest;
         manifest.projectID = *UUID::parse("00000000-0000-4000-8000-000000000001");
         manifest.app = {"com.example.app", "7", {}};
-        manifest.primaryLocale = german;
-        manifest.locales = {german, french};
+        manifest.primaryLocale = kGerman;
+        manifest.locales = {kGerman, kFrench};
         for (const auto& locale : manifest.locales) {
             for (const auto field : {ListingField::name, ListingField::description, ListingField::keywords,
                                      ListingField::supportUrl}) {
                 project.setValue("text", field, locale, platform);
             }
         }
-        project.setValue("https://a.b", ListingField::privacyPolicyUrl, german, platform);
+        project.setValue("https://a.b", ListingField::privacyPolicyUrl, kGerman, platform);
         auto& listing = project.platforms[platform];
-        listing.media = {{german, {{phone, {MediaItem::remote("A")}}}}};
+        listing.media = {{kGerman, {{kSlot, {MediaItem::remote("A")}}}}};
         listing.review.contactFirstName = "Ada";
         listing.review.contactLastName = "Lovelace";
         listing.review.contactPhone = "+1";

@@ -9,18 +9,15 @@
 #include "Tests/Support/ScriptedClient.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/SyncEngine/Release/ReadyVersion.h"
+#include "Tests/SyncEngine/Release/SubmissionTraffic.h"
 
 namespace kestrin {
 namespace {
 
 using Lines = std::vector<std::string>;
 
-constexpr const char* kNone = R"({"data":[]})";
 constexpr const char* kSubmission =
     R"({"data":{"type":"reviewSubmissions","id":"S","attributes":{"state":"OPEN"}}})";
-constexpr const char* kSent =
-    R"({"data":{"type":"reviewSubmissions","id":"S","attributes":{"state":"WAITING_FOR_REVIEW"}}})";
-constexpr const char* kItem = R"({"data":{"type":"reviewSubmissionItems","id":"I"}})";
 
 const std::string kFind =
     "GET /v1/reviewSubmissions?filter%5Bapp%5D=7&filter%5Bplatform%5D=IOS&filter%5Bstate%5D=READY_FOR_REVIEW"
@@ -29,12 +26,10 @@ const std::string kCreate =
     R"(POST /v1/reviewSubmissions {"data":{"attributes":{"platform":"IOS"},"relationships":{"app":{"data":{"id":"7","type":"apps"}}},"type":"reviewSubmissions"}})";
 const std::string kAdd =
     R"(POST /v1/reviewSubmissionItems {"data":{"attributes":{},"relationships":{"appStoreVersion":{"data":{"id":"V","type":"appStoreVersions"}},"reviewSubmission":{"data":{"id":"S","type":"reviewSubmissions"}}},"type":"reviewSubmissionItems"}})";
-const std::string kSend =
-    R"(PATCH /v1/reviewSubmissions/S {"data":{"attributes":{"submitted":true},"id":"S","type":"reviewSubmissions"}})";
 
 // A version that is ready, a server that follows a script, and a state folder.
-struct World : ReadyVersion {
-    explicit World(std::vector<ScriptedTransport::Step> script = {}) : api(std::move(script)) {}
+struct ReadyWorld : ReadyVersion {
+    explicit ReadyWorld(std::vector<ScriptedTransport::Step> script = {}) : api(std::move(script)) {}
 
     ScriptedClient api;
     TemporaryFolder folder;
@@ -61,7 +56,7 @@ const char* const kNoVersion = "App Store Connect has no version for this platfo
 const char* const kNotConnected = "This project isn’t connected to an App Store Connect app yet.";
 
 TEST(Releaser, SubmitsInANewSubmissionWhenNoneIsOpen) {
-    World world({reply(200, kNone), reply(201, kSubmission), reply(201, kItem), reply(200, kSent)});
+    ReadyWorld world({reply(200, kNone), reply(201, kSubmission), reply(201, kItem), reply(200, kSent)});
     const auto submission = world.submit();
     ASSERT_TRUE(submission);
     EXPECT_EQ(submission->state, "WAITING_FOR_REVIEW");
@@ -69,13 +64,13 @@ TEST(Releaser, SubmitsInANewSubmissionWhenNoneIsOpen) {
 }
 
 TEST(Releaser, SubmitsInTheOpenSubmissionWhateverItHolds) {
-    World world({reply(200, kSubmission), reply(201, kItem), reply(200, kSent)});
+    ReadyWorld world({reply(200, kSubmission), reply(201, kItem), reply(200, kSent)});
     world.submit();
     EXPECT_EQ(world.api.requests(), (Lines{kFind, kAdd, kSend})) << "its items aren't even counted";
 }
 
 TEST(Releaser, GoesOnWhenTheVersionIsInTheSubmissionAlready) {
-    World world({reply(200, kSubmission), reply(409, "{}"), reply(200, kSent)});
+    ReadyWorld world({reply(200, kSubmission), reply(409, "{}"), reply(200, kSent)});
     EXPECT_TRUE(world.submit());
     EXPECT_EQ(world.api.requests(), (Lines{kFind, kAdd, kSend}));
 }
@@ -98,7 +93,7 @@ TEST(Releaser, EndsWithAnyOtherErrorOfTheService) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.when);
-        World world(row.script);
+        ReadyWorld world(row.script);
         EXPECT_EQ(outcomeOf([&] { world.submit(); }), row.outcome);
         EXPECT_TRUE(world.api.server->isAtTheEnd());
     }
@@ -108,7 +103,7 @@ TEST(Releaser, SaysWhyTheVersionWasNotTakenWhenTheSubmissionCannotBeSent) {
     const auto refused = [](const char* detail) {
         return reply(409, std::string(R"({"errors":[{"detail":")") + detail + "\"}]}");
     };
-    World world(
+    ReadyWorld world(
         {reply(200, kSubmission), refused("The release notes are missing."), refused("It is empty.")});
     try {
         world.submit();
@@ -120,18 +115,18 @@ TEST(Releaser, SaysWhyTheVersionWasNotTakenWhenTheSubmissionCannotBeSent) {
 }
 
 TEST(Releaser, CountsAsSubmittedWhenTheReplyIsEmpty) {
-    World world({reply(200, kSubmission), reply(201, kItem), reply(204)});
+    ReadyWorld world({reply(200, kSubmission), reply(201, kItem), reply(204)});
     EXPECT_FALSE(world.submit());
     EXPECT_TRUE(world.api.server->isAtTheEnd());
 }
 
 TEST(Releaser, SubmitsPassedAndManualItemsButNoFailedOne) {
-    World world({reply(200, kSubmission), reply(201, kItem), reply(200, kSent)});
+    ReadyWorld world({reply(200, kSubmission), reply(201, kItem), reply(200, kSent)});
     world.items = {{PreflightItem::Check::pricing, PreflightItem::Manual{}},
                    {PreflightItem::Check::limits, PreflightItem::Passed{}}};
     EXPECT_TRUE(world.submit());
 
-    World refused;
+    ReadyWorld refused;
     refused.items = {{PreflightItem::Check::limits, PreflightItem::Failed{}}};
     EXPECT_EQ(sentenceOf<ReleaseError>([&] { refused.submit(); }),
               "This version isn’t ready to submit yet. Fix the items marked in the checklist first.");
@@ -139,21 +134,21 @@ TEST(Releaser, SubmitsPassedAndManualItemsButNoFailedOne) {
 }
 
 TEST(Releaser, SubmitsNothingForAProjectThatIsNotConnected) {
-    World world;
+    ReadyWorld world;
     world.project.manifest.app.ascAppID.reset();
     EXPECT_EQ(sentenceOf<SyncError>([&] { world.submit(); }), kNotConnected);
     EXPECT_TRUE(world.api.requests().empty());
 }
 
 TEST(Releaser, SubmitsNothingWithoutAVersionOfThePlatform) {
-    World world;
+    ReadyWorld world;
     world.platform = StorePlatform::tvOS;
     EXPECT_EQ(sentenceOf<ReleaseError>([&] { world.submit(); }), kNoVersion);
     EXPECT_TRUE(world.api.requests().empty());
 }
 
 TEST(Releaser, LooksForAFailedItemFirstThenForTheAppThenForTheVersion) {
-    World world;
+    ReadyWorld world;
     world.items = {{PreflightItem::Check::limits, PreflightItem::Failed{}}};
     world.project.manifest.app.ascAppID.reset();
     world.review.remote.ids.versions.clear();
@@ -188,7 +183,7 @@ TEST(Releaser, AttachesABuildAndAnswersForItOnlyWhatItHasNotAnswered) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.when);
-        World world(times(row.requests.size(), reply(200, R"({"data":{"type":"builds","id":"B"}})")));
+        ReadyWorld world(times(row.requests.size(), reply(200, R"({"data":{"type":"builds","id":"B"}})")));
         world.remember();
         world.releaser.attach(ReadyVersion::builtAs(row.build), world.platform, world.project, row.answer);
         EXPECT_EQ(world.api.requests(), row.requests);
@@ -196,7 +191,7 @@ TEST(Releaser, AttachesABuildAndAnswersForItOnlyWhatItHasNotAnswered) {
 }
 
 TEST(Releaser, AttachesNothingToAVersionThatNoPullHasSeen) {
-    World world;
+    ReadyWorld world;
     const auto attach = [&] { world.releaser.attach(*world.build, world.platform, world.project, true); };
     EXPECT_EQ(sentenceOf<ReleaseError>(attach), kNoVersion) << "no remembered state at all";
 
@@ -207,7 +202,7 @@ TEST(Releaser, AttachesNothingToAVersionThatNoPullHasSeen) {
 }
 
 TEST(Releaser, ListsTheBuildsOfAVersion) {
-    World world({reply(200, R"({"data":[{"type":"builds","id":"B","attributes":{"version":"42"}}]})")});
+    ReadyWorld world({reply(200, R"({"data":[{"type":"builds","id":"B","attributes":{"version":"42"}}]})")});
     const auto builds = world.releaser.candidateBuilds("7", "1.2", world.platform);
     ASSERT_EQ(builds.size(), 1u);
     EXPECT_EQ(builds[0].buildNumber, "42");
@@ -231,7 +226,7 @@ TEST(Releaser, CreatesAVersionWithTheCopyrightAndReleaseTypeOfTheProject) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.when);
-        World world({reply(201, R"({"data":{"type":"appStoreVersions","id":"W","attributes":
+        ReadyWorld world({reply(201, R"({"data":{"type":"appStoreVersions","id":"W","attributes":
                                     {"versionString":"1.1","appVersionState":"PREPARE_FOR_SUBMISSION"}}})")});
         world.listing().version = row.content;
         const auto version = world.releaser.createVersion(world.project, world.platform, "1.1");
@@ -245,14 +240,14 @@ TEST(Releaser, CreatesAVersionWithTheCopyrightAndReleaseTypeOfTheProject) {
 }
 
 TEST(Releaser, CreatesNoVersionForAProjectThatIsNotConnected) {
-    World world;
+    ReadyWorld world;
     world.project.manifest.app.ascAppID.reset();
     EXPECT_THROW(world.releaser.createVersion(world.project, world.platform, "1.1"), SyncError);
 }
 
 TEST(Releaser, SetsTheDemoAccountPasswordOfTheReviewDetailOrMakesOne) {
     const auto answer = reply(200, R"({"data":{"type":"appStoreReviewDetails","id":"R"}})");
-    World world({answer});
+    ReadyWorld world({answer});
     world.remember();
     world.releaser.setDemoAccountPassword("secret", world.platform, world.project);
     EXPECT_EQ(
@@ -260,7 +255,7 @@ TEST(Releaser, SetsTheDemoAccountPasswordOfTheReviewDetailOrMakesOne) {
         Lines{
             R"(PATCH /v1/appStoreReviewDetails/R {"data":{"attributes":{"demoAccountPassword":"secret"},"id":"R","type":"appStoreReviewDetails"}})"});
 
-    World fresh({answer});
+    ReadyWorld fresh({answer});
     fresh.remoteVersion().reviewDetailID.reset();
     fresh.remember();
     fresh.releaser.setDemoAccountPassword("secret", fresh.platform, fresh.project);
@@ -271,7 +266,7 @@ TEST(Releaser, SetsTheDemoAccountPasswordOfTheReviewDetailOrMakesOne) {
 }
 
 TEST(Releaser, SetsNoDemoAccountPasswordWithoutAVersion) {
-    World world;
+    ReadyWorld world;
     EXPECT_EQ(sentenceOf<ReleaseError>(
                   [&] { world.releaser.setDemoAccountPassword("secret", world.platform, world.project); }),
               kNoVersion);

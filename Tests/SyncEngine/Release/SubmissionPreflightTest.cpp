@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "Tests/Support/ListingNames.h"
 #include "Tests/Support/Repeated.h"
 #include "Tests/SyncEngine/Release/ReadyVersion.h"
 
@@ -12,9 +13,6 @@ namespace {
 
 using Check = PreflightItem::Check;
 using Details = std::vector<std::string>;
-
-const auto kGerman = ReadyVersion::german;
-const auto kFrench = ReadyVersion::french;
 
 std::vector<PreflightItem> itemsOf(const ReadyVersion& version) {
     return SubmissionPreflight::check(version.project, version.platform, version.review, version.build);
@@ -35,14 +33,14 @@ std::string outcome(const ReadyVersion& version, Check check) {
     return "left out";
 }
 
-struct Row {
+struct OutcomeRow {
     const char* when;
     std::function<void(ReadyVersion&)> change;
     const char* outcome;
 };
 
-void expectOutcomes(Check check, const std::vector<Row>& rows) {
-    for (const Row& row : rows) {
+void expectOutcomes(Check check, const std::vector<OutcomeRow>& rows) {
+    for (const OutcomeRow& row : rows) {
         SCOPED_TRACE(row.when);
         ReadyVersion version;
         row.change(version);
@@ -149,8 +147,6 @@ TEST(SubmissionPreflight, TheExportComplianceQuestionHasAnAnswer) {
 }
 
 const auto kMac = StorePlatform::macOS;
-const Slug kPage{"summer"};
-const Slug kTest{"icons"};
 
 std::function<void(ReadyVersion&)> withChange(ContentKey key) {
     return [key = std::move(key)](ReadyVersion& version) { version.change(key); };
@@ -174,10 +170,9 @@ TEST(SubmissionPreflight, ChangesOfTheVersionAndOfAllThatHasNoPlatformArePushed)
              "failed: IOS/de-DE/keywords"},
             {"another platform's text",
              withChange(ContentKey::VersionLocale{kMac, kGerman, ListingField::keywords}), "passed"},
-            {"media", withChange(ContentKey::Placements{StorePlatform::iOS, kGerman, ReadyVersion::phone}),
+            {"media", withChange(ContentKey::Placements{StorePlatform::iOS, kGerman, kSlot}),
              "failed: IOS/de-DE/media/IPHONE_67/APP_SCREENSHOT"},
-            {"another platform's media",
-             withChange(ContentKey::Placements{kMac, kGerman, ReadyVersion::phone}), "passed"},
+            {"another platform's media", withChange(ContentKey::Placements{kMac, kGerman, kSlot}), "passed"},
             {"the review details", withChange(ContentKey::Review{StorePlatform::iOS, ReviewAttribute::notes}),
              "failed: IOS/review/notes"},
             {"another platform's review details",
@@ -186,16 +181,14 @@ TEST(SubmissionPreflight, ChangesOfTheVersionAndOfAllThatHasNoPlatformArePushed)
              "failed: pages/summer/name"},
             {"a custom page's promotional text", withChange(ContentKey::PagePromotionalText{kPage, kGerman}),
              "failed: pages/summer/de-DE/promotionalText"},
-            {"a custom page's media",
-             withChange(ContentKey::PagePlacements{kPage, kGerman, ReadyVersion::phone}),
+            {"a custom page's media", withChange(ContentKey::PagePlacements{kPage, kGerman, kSlot}),
              "failed: pages/summer/de-DE/media/IPHONE_67/APP_SCREENSHOT"},
             {"a test, whichever platform it is for",
              withChange(ContentKey::Experiment{kTest, ExperimentAttribute::platform}),
              "failed: experiments/icons/platform"},
             {"a treatment", withChange(ContentKey::Treatment{kTest, {"blue"}, TreatmentAttribute::name}),
              "failed: experiments/icons/treatments/blue/name"},
-            {"a treatment's media",
-             withChange(ContentKey::TreatmentPlacements{kTest, {"blue"}, kGerman, ReadyVersion::phone}),
+            {"a treatment's media", withChange(ContentKey::TreatmentPlacements{kTest, kBlue, kGerman, kSlot}),
              "failed: experiments/icons/treatments/blue/de-DE/media/IPHONE_67/APP_SCREENSHOT"},
         });
 }

@@ -3,12 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "KestrinModel/PackageNameError.h"
+#include "Tests/Support/ListingNames.h"
 
 namespace kestrin {
 namespace {
-
-const StoreLocale kGerman{"de-DE"};
-const PlacementSlot kSlot{"IPHONE_67", "APP_SCREENSHOT"};
 
 LocalizedMedia mediaOf(const MediaItem& item) {
     return {{kGerman, {{kSlot, {item}}}}};
