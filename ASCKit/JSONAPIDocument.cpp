@@ -95,7 +95,7 @@ std::optional<std::string> ResourceObject::string(std::initializer_list<std::str
 }
 
 ResourceFields::ResourceFields(std::initializer_list<std::string_view> names) : members_(names) {
-    members_.insert({"type", "id", "attributes", "relationships", "data"});
+    members_.insert({"type", "id", "attributes", "relationships", "links", "data"});
     members_.insert("next");  // of the document's own links
 }
 

@@ -56,7 +56,8 @@ struct JSONAPIDocument {
     static JSONAPIDocument decode(std::string_view bytes);
 
     // The same for who needs only some fields of the resources, since much of a large page is links and attributes that
-    // nobody reads: fields whose names aren't among `fields`, at any depth, may be missing, and links of resources.
+    // nobody reads: fields whose names aren't among `fields`, at any depth, may be missing, and the members of links and
+    // of `meta`. What isn't a document to decode() isn't one here either.
     static JSONAPIDocument decodeOnly(const ResourceFields& fields, std::string_view bytes);
 
     // Whether these bytes are a document whose `data` is there and null: a to-one read that found nothing.

@@ -80,7 +80,9 @@ std::optional<JSONValue> readWith(simdjson::dom::parser& parser, std::string_vie
                                   const Builder& builder) {
     // Room to grow, since it is a bit more for every larger reply, and never the depth that the library would take.
     const auto capacity = std::bit_ceil(std::max(bytes.size(), std::size_t{4096}));
-    if (parser.capacity() < bytes.size() && parser.allocate(capacity, kMaximumDepth)) return std::nullopt;
+    if (parser.capacity() < bytes.size() &&
+        (parser.allocate(capacity, kMaximumDepth) || parser.doc.allocate(capacity)))
+        return std::nullopt;
     simdjson::dom::element root;
     if (parser.parse(bytes.data(), bytes.size()).get(root)) return std::nullopt;
     return builder.valueOf(root, true);

@@ -132,6 +132,22 @@ TEST(JSONAPIDocument, WhatNobodyNeedsHasToBeJSONAllTheSame) {
     }
 }
 
+TEST(JSONAPIDocument, WhatIsNoDocumentIsNoneForWhoNeedsLittleOfIt) {
+    for (const char* broken : {
+             R"({"data": null})",
+             R"({"data": [{"type": "a"}]})",
+             R"({"data": [{"type": "a", "id": "1", "attributes": []}]})",
+             R"({"data": [{"type": "a", "id": "1", "relationships": "b"}]})",
+             R"({"data": [{"type": "a", "id": "1", "links": []}]})",
+             R"({"data": [], "included": {}})",
+             R"({"data": [], "links": []})",
+         }) {
+        SCOPED_TRACE(broken);
+        EXPECT_THROW(JSONAPIDocument::decode(broken), DecodingError);
+        EXPECT_THROW(JSONAPIDocument::decodeOnly({}, broken), DecodingError);
+    }
+}
+
 TEST(JSONAPIDocument, TellsNullDataFromEveryOtherReply) {
     EXPECT_TRUE(JSONAPIDocument::hasNullData(R"({"data": null, "links": {"self": "x"}})"));
     EXPECT_FALSE(JSONAPIDocument::hasNullData(R"({"links": {}})"));
